@@ -1,0 +1,4 @@
+#pragma once
+
+/// Serves the pending events of the window system.
+void PumpEvents();

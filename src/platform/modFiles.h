@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// Files, by paths in the file system's form. Functions that can fail give false and put the system's words into *error.
+
+/// True for a regular file (links are followed). Never fails.
+[[nodiscard]] bool IsPlainFile(const std::string& path);
+[[nodiscard]] bool IsFolder(const std::string& path);
+/// True when something of that name exists and its owner may not write it, or this user may not.
+[[nodiscard]] bool IsReadOnly(const std::string& path);
+
+/// Reads a whole regular file. Anything else at that path is refused.
+bool ReadFile(const std::string& path, std::string* bytes, std::string* error);
+
+/// Puts `bytes` under the name `path`, whole or not at all: written to a new file beside it, flushed to the disk, closed,
+/// then renamed over it. An existing file keeps its permissions, a link keeps pointing to it. Refuses to replace anything
+/// but a regular file. After a failure the old file is as it was and nothing new lies beside it.
+bool ReplaceFile(const std::string& path, std::string_view bytes, std::string* error);
+
+/// Makes `to` a second, complete copy of `from`, replacing an existing file.
+bool CopyFileTo(const std::string& from, const std::string& to, std::string* error);
+bool DeleteFile(const std::string& path, std::string* error);
+bool RenameFile(const std::string& from, const std::string& to, std::string* error);
+
+/// Names of the plain files of a folder, in the order of the listing. Empty when it cannot be read.
+[[nodiscard]] std::vector<std::string> ListFiles(const std::string& folder);
+/// The path of a plain file in `folder` (with a separator at its end) whose name equals `name` but for the case of its
+/// letters; an exact match comes first. False when there is none.
+bool FindFileAnyCase(const std::string& folder, const std::string& name, std::string* path);
+
+/// The folder that holds the program, found through links, without a separator at its end.
+[[nodiscard]] std::string ProgramFolder();

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+
+#include "app/modMvmDef.h"
+
+// The model in the frame. Mesh indices that are not valid draw nothing.
+
+void DrawModel();
+void DrawMesh(int16_t mesh);
+void DrawAssignments(int16_t mesh);
+void DrawVertices(int16_t mesh);
+void DrawDepthOnly(int16_t mesh);
+void DrawIsolines(int16_t mesh);
+void DrawNormals(int16_t mesh);
+void DrawBones();
+
+/// Turns a material into GL state. Any number outside 1 to MaterialCount stands for no material.
+void BindMaterial(int32_t material);
+/// The number into Materials of the face's material, 0 for none.
+[[nodiscard]] int32_t MaterialOfFace(const MvmMesh& mesh, const MvmFace& face);
+void SetupLights();

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+// The OpenGL context of the view and the frame. All functions but InitOpenGL do nothing while there is no context. The
+// context must be current; MakeViewCurrent sees to that outside a paint event.
+
+inline bool GLContext = false;  ///< a context stands
+inline int32_t ViewWidth = 1;   ///< size of the view in device pixels
+inline int32_t ViewHeight = 1;
+inline std::array<uint8_t, 10240> CameraLabels{}; ///< eight images of 80 by 16 bytes, bottom row first
+
+/// Sets the state that holds for the life of the current context and fills CameraLabels. False when the context lacks
+/// the fixed pipeline.
+bool InitOpenGL();
+/// Sizes the viewport, in device pixels; sides below 1 become 1. Ends with Redraw.
+void ResizeViewport(int32_t width, int32_t height);
+/// Paints one whole frame into the current framebuffer. Redraw asks for it.
+void PaintFrame();
+/// Forgets the context. GL textures must have been freed.
+void ShutdownOpenGL();
+
+/// Makes the context of the view current. The window implements it; without a context it does nothing.
+void MakeViewCurrent();
+
+/// Vendor, renderer, version and extensions as the context tells them; empty without one.
+struct OpenGLInfo {
+    std::string Vendor, Renderer, Version, Extensions;
+};
+[[nodiscard]] OpenGLInfo QueryOpenGLInfo();

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+// Binding of skin and shadow, the active bone, and the commands that rewrite assignments.
+
+/// SkinMesh or ShadowMesh, by EditTarget; may be 0 or not valid.
+[[nodiscard]] int16_t TargetMesh();
+
+/// Binds the skin: role, MakeSkin, SkinOffset and SkinScale from the first instance of the mesh. Warns when there is
+/// none. 0 unbinds.
+void SelectSkinMesh(int16_t mesh);
+/// Binds the shadow in the same way, without offset and scale.
+void SelectShadowMesh(int16_t mesh);
+/// Renames a valid mesh and all instances that place it. `name` is UTF-8 as typed; it is cut at a line end, and characters
+/// outside the code page become "?". Says in the Info Log when the format cannot keep the name.
+void RenameMesh(int16_t mesh, const std::string& name);
+
+/// Alias (while AliasesOn, if there is one) or name of a valid bone, UTF-8.
+[[nodiscard]] std::string BoneLabel(int16_t bone);
+/// Rebuilds both bone lists and makes no bone active.
+void FillBoneLists();
+/// Makes a bone active, selects its row, refreshes status and view.
+void SetActiveBone(int16_t bone);
+/// Writes the count of the active bone into the status bar.
+void UpdateBoneStatus();
+/// Vertices of the mesh that belong to the bone (0: to none). 0 for an invalid mesh.
+[[nodiscard]] int32_t CountBoneVerts(int16_t mesh, int16_t bone);
+
+/// Entries of VertexBones that equal `from` become `to`. Nothing for an invalid mesh.
+void ReplaceBone(int16_t mesh, int16_t from, int16_t to);
+/// All entries become 0. Nothing for an invalid mesh.
+void UnassignAll(int16_t mesh);
+/// Entries of a become b and entries of b become a. Nothing for an invalid mesh.
+void SwapBones(int16_t mesh, int16_t a, int16_t b);
