@@ -13,7 +13,7 @@
 /// True when something of that name exists and its owner may not write it, or this user may not.
 [[nodiscard]] bool IsReadOnly(const std::string& path);
 
-/// Reads a whole regular file. Anything else at that path is refused.
+/// Reads a whole regular file of less than 2 GB. Anything else at that path is refused.
 bool ReadFile(const std::string& path, std::string* bytes, std::string* error);
 
 /// Puts `bytes` under the name `path`, whole or not at all: written to a new file beside it, flushed to the disk, closed,
@@ -23,13 +23,17 @@ bool ReplaceFile(const std::string& path, std::string_view bytes, std::string* e
 
 /// Makes `to` a second, complete copy of `from`, replacing an existing file.
 bool CopyFileTo(const std::string& from, const std::string& to, std::string* error);
+/// Makes `to` hold what `from` holds now, for a writer that will replace `from` and never change it in place: a second
+/// name for the same file where the file system can, else a copy. An existing file or link of the name `to` is replaced;
+/// nothing else is.
+bool GuardFile(const std::string& from, const std::string& to, std::string* error);
 bool DeleteFile(const std::string& path, std::string* error);
 bool RenameFile(const std::string& from, const std::string& to, std::string* error);
 
-/// Names of the plain files of a folder, in the order of the listing. Empty when it cannot be read.
+/// Names of the plain, not hidden files of a folder, in the order of the listing. Empty when it cannot be read.
 [[nodiscard]] std::vector<std::string> ListFiles(const std::string& folder);
 /// The path of a plain file in `folder` (with a separator at its end) whose name equals `name` but for the case of its
-/// letters; an exact match comes first. False when there is none.
+/// letters (UTF-8); an exact match comes first. False when there is none, or when `name` names a hidden file.
 bool FindFileAnyCase(const std::string& folder, const std::string& name, std::string* path);
 
 /// The folder that holds the program, found through links, without a separator at its end.

@@ -23,6 +23,16 @@ bool Fails()
 
 } // namespace
 
+int StepOpenRead(const std::string& path)
+{
+    return Fails() ? -1 : open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+}
+
+ssize_t StepRead(int fd, char* data, size_t size)
+{
+    return Fails() ? -1 : read(fd, data, size);
+}
+
 int StepOpenNew(const std::string& path, mode_t mode)
 {
     return Fails() ? -1 : open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
@@ -62,6 +72,11 @@ int StepSetMode(int fd, mode_t mode)
 int StepRename(const std::string& from, const std::string& to)
 {
     return Fails() ? -1 : rename(from.c_str(), to.c_str());
+}
+
+int StepLink(const std::string& from, const std::string& to)
+{
+    return Fails() ? -1 : link(from.c_str(), to.c_str());
 }
 
 int StepDelete(const std::string& path)

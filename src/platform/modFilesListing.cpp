@@ -1,0 +1,80 @@
+#include <algorithm>
+#include <cstddef>
+#include <dirent.h>
+
+#include "platform/modFiles.h"
+#include "platform/modUtf8.h"
+
+namespace {
+
+/// The small letter of a character that Windows-1252 has; the names that models hold can have no others.
+char32_t Fold(char32_t character)
+{
+    const bool ascii = character >= U'A' && character <= U'Z';
+    const bool latin = character >= 0xC0 && character <= 0xDE && character != 0xD7;
+    if (ascii || latin) {
+        return character + 0x20;
+    }
+    switch (character) {
+    case 0x152: // OE ligature
+    case 0x160: // S with caron
+    case 0x17D: // Z with caron
+        return character + 1;
+    case 0x178: // Y with diaeresis
+        return 0xFF;
+    default:
+        return character;
+    }
+}
+
+std::u32string Folded(const std::string& name)
+{
+    std::u32string folded;
+    for (size_t at = 0; at < name.size();) {
+        char32_t character = 0;
+        const size_t length = DecodeUtf8(std::string_view(name).substr(at), &character);
+        // A malformed byte stays itself, outside the range of all characters.
+        folded += length > 0 ? Fold(character) : 0x110000U + static_cast<unsigned char>(name[at]);
+        at += std::max<size_t>(length, 1);
+    }
+    return folded;
+}
+
+} // namespace
+
+std::vector<std::string> ListFiles(const std::string& folder)
+{
+    std::vector<std::string> names;
+    DIR* listing = opendir(folder.c_str());
+    if (listing == nullptr) {
+        return names;
+    }
+    const std::string start = folder.ends_with('/') ? folder : folder + "/";
+    while (const dirent* entry = readdir(listing)) {
+        std::string name = entry->d_name;
+        if (!name.starts_with('.') && IsPlainFile(start + name)) {
+            names.push_back(std::move(name));
+        }
+    }
+    closedir(listing);
+    return names;
+}
+
+bool FindFileAnyCase(const std::string& folder, const std::string& name, std::string* path)
+{
+    if (name.empty() || name.starts_with('.') || name.find('/') != std::string::npos) {
+        return false;
+    }
+    if (IsPlainFile(folder + name)) {
+        *path = folder + name;
+        return true;
+    }
+    const std::u32string wanted = Folded(name);
+    for (const std::string& candidate : ListFiles(folder.empty() ? "." : folder)) {
+        if (Folded(candidate) == wanted) {
+            *path = folder + candidate;
+            return true;
+        }
+    }
+    return false;
+}
