@@ -1,0 +1,10 @@
+#include "weights/frmBones.h"
+
+#include "app/modMvmDef.h"
+#include "weights/frmChooser.h"
+#include "weights/modEdit.h"
+
+int16_t ChooseBone(int16_t current)
+{
+    return ChooseRow({"frmBones", "Bones", "lstBones"}, BoneCount(), current, BoneLabel);
+}

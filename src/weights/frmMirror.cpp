@@ -1,0 +1,75 @@
+#include "weights/frmMirror.h"
+
+#include <QCheckBox>
+#include <QDialog>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include <exception>
+
+#include "platform/modDialogs.h"
+#include "platform/qt/modFit.h"
+#include "platform/qt/modOwner.h"
+#include "weights/modMirror.h"
+
+void ShowMirrorDialog()
+{
+    QDialog dialog(MainWindow);
+    dialog.setObjectName(QStringLiteral("frmMirror"));
+    dialog.setWindowTitle(QStringLiteral("Mirror Weights"));
+    dialog.setFont(WindowFont());
+
+    auto* leftToRight = new QRadioButton(QStringLiteral("Left To Right"));
+    leftToRight->setObjectName(QStringLiteral("optMirror0"));
+    leftToRight->setChecked(true);
+    auto* rightToLeft = new QRadioButton(QStringLiteral("Right To Left"));
+    rightToLeft->setObjectName(QStringLiteral("optMirror1"));
+    auto* reassign = new QCheckBox(QStringLiteral("Keep Existing Weights"));
+    reassign->setObjectName(QStringLiteral("chkReassign"));
+    reassign->setChecked(true);
+    auto* unassign = new QCheckBox(QStringLiteral("Un-assign if no match found"));
+    unassign->setObjectName(QStringLiteral("chkUnassign"));
+    unassign->setEnabled(false);
+    QObject::connect(reassign, &QCheckBox::toggled, unassign, &QCheckBox::setDisabled);
+    auto* note = new QLabel(QStringLiteral("Note: Mirroring assumes the creature is viewed from the rear."));
+    note->setObjectName(QStringLiteral("labMisc"));
+    note->setWordWrap(true);
+
+    auto* ok = new QPushButton(QStringLiteral("OK"));
+    ok->setObjectName(QStringLiteral("cmdOK"));
+    ok->setDefault(true);
+    auto* cancel = new QPushButton(QStringLiteral("Cancel"));
+    cancel->setObjectName(QStringLiteral("cmdCancel"));
+    QObject::connect(cancel, &QPushButton::clicked, &dialog, &QDialog::reject);
+    QObject::connect(ok, &QPushButton::clicked, &dialog, [&] {
+        try {
+            MirrorWeights({leftToRight->isChecked(), reassign->isChecked(), unassign->isChecked()});
+        } catch (const std::exception& error) {
+            ShowMessage(BoxIcon::Stop, std::string("MirrorWeights\n") + error.what());
+        }
+        dialog.accept();
+    });
+
+    auto* choices = new QVBoxLayout;
+    for (QWidget* widget : {static_cast<QWidget*>(leftToRight), static_cast<QWidget*>(rightToLeft),
+                            static_cast<QWidget*>(reassign), static_cast<QWidget*>(unassign)}) {
+        choices->addWidget(widget);
+    }
+    auto* buttons = new QVBoxLayout;
+    buttons->addWidget(ok);
+    buttons->addWidget(cancel);
+    buttons->addStretch();
+    auto* upper = new QHBoxLayout;
+    upper->addLayout(choices);
+    upper->addSpacing(16);
+    upper->addLayout(buttons);
+    auto* layout = new QVBoxLayout(&dialog);
+    layout->addLayout(upper);
+    layout->addWidget(note);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    leftToRight->setFocus();
+    dialog.exec();
+}

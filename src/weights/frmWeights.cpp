@@ -1,0 +1,51 @@
+#include <QDialog>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include "platform/qt/modFit.h"
+#include "platform/qt/modOwner.h"
+#include "weights/modWeights.h"
+
+void AskWeightsAssignMode()
+{
+    WeightsAssignMode = 0;
+    QDialog dialog(MainWindow);
+    dialog.setObjectName(QStringLiteral("frmWeights"));
+    dialog.setWindowTitle(QStringLiteral("Load Weights"));
+    dialog.setFont(WindowFont());
+
+    auto* byIndex = new QRadioButton(QStringLiteral("Assign By Index"));
+    byIndex->setObjectName(QStringLiteral("optAssignMode0"));
+    byIndex->setChecked(true);
+    auto* byPosition = new QRadioButton(QStringLiteral("Assign By Position"));
+    byPosition->setObjectName(QStringLiteral("optAssignMode1"));
+
+    auto* ok = new QPushButton(QStringLiteral("OK"));
+    ok->setObjectName(QStringLiteral("cmdOK"));
+    ok->setDefault(true);
+    auto* cancel = new QPushButton(QStringLiteral("Cancel"));
+    cancel->setObjectName(QStringLiteral("cmdCancel"));
+    QObject::connect(ok, &QPushButton::clicked, &dialog, &QDialog::accept);
+    QObject::connect(cancel, &QPushButton::clicked, &dialog, &QDialog::reject);
+
+    auto* choices = new QVBoxLayout;
+    choices->addWidget(byIndex);
+    choices->addWidget(byPosition);
+    choices->addStretch();
+    auto* buttons = new QVBoxLayout;
+    buttons->addWidget(ok);
+    buttons->addWidget(cancel);
+    buttons->addStretch();
+    auto* layout = new QHBoxLayout(&dialog);
+    layout->addLayout(choices);
+    layout->addSpacing(16);
+    layout->addLayout(buttons);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    byIndex->setFocus();
+
+    if (dialog.exec() == QDialog::Accepted) {
+        WeightsAssignMode = byPosition->isChecked() ? 2 : 1;
+    }
+}
