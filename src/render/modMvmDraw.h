@@ -11,6 +11,8 @@ void DrawMesh(int16_t mesh);
 void DrawAssignments(int16_t mesh);
 void DrawVertices(int16_t mesh);
 void DrawDepthOnly(int16_t mesh);
+/// Draws the faces with the alpha tests of their materials, for their depth alone. The caller masks the colours.
+void DrawSurfaceDepth(const MvmMesh& mesh);
 void DrawIsolines(int16_t mesh);
 void DrawNormals(int16_t mesh);
 void DrawBones();

@@ -13,11 +13,14 @@ inline int32_t ViewHeight = 1;
 inline std::array<uint8_t, 10240> CameraLabels{}; ///< eight images of 80 by 16 bytes, bottom row first
 
 /// Sets the state that holds for the life of the current context and fills CameraLabels. False when the context lacks
-/// the fixed pipeline.
+/// the fixed pipeline, which it says in a message box.
 bool InitOpenGL();
-/// Sizes the viewport, in device pixels; sides below 1 become 1. Ends with Redraw.
+/// Sizes the view, in device pixels; sides below 1 become 1. The viewport itself follows with the next frame. Ends with
+/// Redraw.
 void ResizeViewport(int32_t width, int32_t height);
-/// Paints one whole frame into the current framebuffer. Redraw asks for it.
+/// Paints one whole frame into the current framebuffer, on mid grey. Redraw asks for it; the window shows it. Relies on no
+/// GL state of earlier frames. The 2D layer, line widths and point sizes are in pixels of the window system, so that they
+/// keep their size to the eye and the rubber band lies under the mouse at any PixelScale.
 void PaintFrame();
 /// Forgets the context. GL textures must have been freed.
 void ShutdownOpenGL();

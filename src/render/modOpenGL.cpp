@@ -1,0 +1,218 @@
+#include "render/modOpenGL.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include <GL/gl.h>
+
+#include "app/modMvmDef.h"
+#include "interaction/modCamera.h"
+#include "interaction/modTools.h"
+#include "platform/modDialogs.h"
+#include "render/modGLState.h"
+#include "render/modLabels.h"
+#include "render/modMvmDraw.h"
+#include "render/modRedraw.h"
+#include "render/modViewFlags.h"
+
+namespace {
+
+/// True when the current context knows the fixed pipeline: a core profile answers its queries with an error, and an
+/// embedded one says what it is.
+bool HasFixedPipeline()
+{
+    const auto* version = reinterpret_cast<const char*>(glGetString(GL_VERSION));
+    if (version == nullptr || std::strncmp(version, "OpenGL ES", 9) == 0) {
+        return false;
+    }
+    constexpr int mostPendingErrors = 32;
+    for (int i = 0; i < mostPendingErrors && glGetError() != GL_NO_ERROR; ++i) {
+    }
+    GLint depth = 0;
+    glGetIntegerv(GL_MODELVIEW_STACK_DEPTH, &depth);
+    glEnable(GL_LIGHTING);
+    glDisable(GL_LIGHTING);
+    return glGetError() == GL_NO_ERROR && depth > 0;
+}
+
+/// Turns the plane Y = 0 into the one that the camera along an axis looks at.
+void TurnGridToCamera()
+{
+    switch (CurrentCamera) {
+    case 3:
+    case 4:
+        glRotatef(90, 1, 0, 0);
+        break;
+    case 5:
+    case 6:
+        glRotatef(90, 0, 0, 1);
+        break;
+    default:
+        break;
+    }
+}
+
+void DrawGridLines()
+{
+    constexpr int extent = 10;
+    glLineWidth(1.2F * PixelScale);
+    glPushMatrix();
+    glScalef(SkinScale, SkinScale, SkinScale);
+    glBegin(GL_LINES);
+    for (int i = -extent; i <= extent; ++i) {
+        glColor4ub(0, 0, 0, i == 0 ? 255 : 63);
+        glVertex3i(-extent, 0, i);
+        glVertex3i(extent, 0, i);
+        glVertex3i(i, 0, -extent);
+        glVertex3i(i, 0, extent);
+    }
+    glEnd();
+    glPopMatrix();
+    glLineWidth(PixelScale);
+}
+
+void DrawGrid()
+{
+    glPushMatrix();
+    TurnGridToCamera();
+    if (LineAA) {
+        glEnable(GL_LINE_SMOOTH);
+    }
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    glEnable(GL_BLEND);
+    glDepthMask(GL_FALSE);
+    if (ViewGrid) {
+        DrawGridLines();
+    }
+    glDepthMask(GL_TRUE);
+    glDisable(GL_BLEND);
+    if (LineAA) {
+        glDisable(GL_LINE_SMOOTH);
+    }
+    glPopMatrix();
+}
+
+/// A mouse position as a whole number, ties to even.
+GLint WholePixel(float position)
+{
+    return static_cast<GLint>(std::nearbyint(std::clamp(position, -1e6F, 1e6F)));
+}
+
+void DrawRubberBand()
+{
+    constexpr float smallest = 4;
+    if (MouseButton != 1 || ToolMode != 0 || !(std::fabs(MouseLastX - MouseStartX) > smallest) ||
+        !(std::fabs(MouseLastY - MouseStartY) > smallest)) {
+        return;
+    }
+    const GLint x0 = WholePixel(MouseStartX);
+    const GLint y0 = WholePixel(MouseStartY);
+    const GLint x1 = WholePixel(MouseLastX);
+    const GLint y1 = WholePixel(MouseLastY);
+    glColor3ub(255, 255, 255);
+    glEnable(GL_LINE_STIPPLE);
+    glBegin(GL_LINE_LOOP);
+    glVertex2i(x0, y0);
+    glVertex2i(x1, y0);
+    glVertex2i(x1, y1);
+    glVertex2i(x0, y1);
+    glEnd();
+    glDisable(GL_LINE_STIPPLE);
+}
+
+void DrawCameraLabel()
+{
+    if (CurrentCamera < 1 || CurrentCamera > CameraCount) {
+        return;
+    }
+    // White on black, added so that black leaves the scene as it is.
+    glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_COLOR);
+    glEnable(GL_BLEND);
+    glColor3f(1, 1, 1);
+    glRasterPos2i(5, 21);
+    glPixelZoom(PixelScale, PixelScale);
+    const size_t image = static_cast<size_t>(CameraCount - CurrentCamera) * LabelBytes;
+    glDrawPixels(LabelWidth, LabelHeight, GL_LUMINANCE, GL_UNSIGNED_BYTE, &CameraLabels[image]);
+    glPixelZoom(1, 1);
+    glDisable(GL_BLEND);
+}
+
+void DrawFlatLayer()
+{
+    glDisable(GL_DEPTH_TEST);
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glOrtho(0, static_cast<double>(ViewWidth) / static_cast<double>(PixelScale),
+            static_cast<double>(ViewHeight) / static_cast<double>(PixelScale), 0, -1, 1);
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity();
+    DrawRubberBand();
+    DrawCameraLabel();
+}
+
+std::string GLText(GLenum name)
+{
+    const auto* text = reinterpret_cast<const char*>(glGetString(name));
+    return text == nullptr ? std::string() : std::string(text);
+}
+
+} // namespace
+
+bool InitOpenGL()
+{
+    GLContext = false;
+    if (!HasFixedPipeline()) {
+        ShowMessage(BoxIcon::Stop, "Initalizing OpenGL failed.");
+        return false;
+    }
+    AlphaReference = 0.5F;
+    SetBaseState();
+    FillCameraLabels();
+    GLContext = true;
+    return true;
+}
+
+void ResizeViewport(int32_t width, int32_t height)
+{
+    if (!GLContext) {
+        return;
+    }
+    ViewWidth = std::max(width, 1);
+    ViewHeight = std::max(height, 1);
+    ViewAspect = static_cast<float>(static_cast<double>(ViewWidth) / ViewHeight);
+    Redraw(true);
+}
+
+void PaintFrame()
+{
+    if (!GLContext) {
+        return;
+    }
+    SetBaseState();
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    ApplyCamera();
+    if (ModelOpen) {
+        DrawModel();
+    }
+    BindMaterial(0);
+    glDisable(GL_LIGHTING);
+    glEnable(GL_DEPTH_TEST);
+    DrawGrid();
+    DrawFlatLayer();
+    glFinish();
+}
+
+void ShutdownOpenGL()
+{
+    GLContext = false;
+}
+
+OpenGLInfo QueryOpenGLInfo()
+{
+    if (!GLContext) {
+        return {};
+    }
+    MakeViewCurrent();
+    return {GLText(GL_VENDOR), GLText(GL_RENDERER), GLText(GL_VERSION), GLText(GL_EXTENSIONS)};
+}
