@@ -2,7 +2,9 @@
 
 #include <cstddef>
 
+#include "model/modStrings.h"
 #include "platform/modFiles.h"
+#include "platform/modLocale.h"
 
 bool FileExists(const std::string& path)
 {
@@ -13,4 +15,14 @@ bool FileExists(const std::string& path)
     const size_t nameStart = separator == std::string::npos ? 0 : separator + 1;
     const bool hidden = nameStart < path.size() && path[nameStart] == '.';
     return !hidden && IsPlainFile(path);
+}
+
+std::string FloatToLocaleText(float value)
+{
+    std::string text = FloatToText(value);
+    const size_t point = text.find('.');
+    if (point != std::string::npos) {
+        text.replace(point, 1, LocaleDecimalMark());
+    }
+    return text;
 }

@@ -5,3 +5,6 @@
 /// True when the file system has a plain, not hidden file of that path. Empty text, folders and malformed paths give
 /// false; no failure is reported.
 [[nodiscard]] bool FileExists(const std::string& path);
+
+/// A number as lists show it to the user: FloatToText, but with the decimal mark of the user's locale. UTF-8.
+[[nodiscard]] std::string FloatToLocaleText(float value);

@@ -59,6 +59,19 @@ std::string FolderOf(const std::string& path)
     return separator == std::string::npos ? std::string() : path.substr(0, separator + 1);
 }
 
+/// True when both paths are one entry of one folder.
+bool IsSamePlace(const std::string& left, const std::string& right)
+{
+    const std::string leftFolder = FolderOf(left);
+    const std::string rightFolder = FolderOf(right);
+    struct stat leftStatus {};
+    struct stat rightStatus {};
+    return stat(leftFolder.empty() ? "." : leftFolder.c_str(), &leftStatus) == 0 &&
+           stat(rightFolder.empty() ? "." : rightFolder.c_str(), &rightStatus) == 0 &&
+           leftStatus.st_dev == rightStatus.st_dev && leftStatus.st_ino == rightStatus.st_ino &&
+           left.substr(leftFolder.size()) == right.substr(rightFolder.size());
+}
+
 /// Follows the links at the end of a path, also to a name that does not exist yet.
 bool FollowLinks(std::string* path, std::string* error)
 {
@@ -286,6 +299,10 @@ bool GuardFile(const std::string& from, const std::string& to, std::string* erro
         return FailKind(guard.st_mode, error);
     }
     if (exists && guard.st_dev == old.st_dev && guard.st_ino == old.st_ino) {
+        if (old.st_nlink == 1 || IsSamePlace(source, to)) {
+            *error = "The file itself has the name of its safety copy.";
+            return false;
+        }
         return true; // a second name for the same file already, which a rename would leave in place with its new name
     }
 

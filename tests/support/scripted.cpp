@@ -5,6 +5,7 @@
 #include "interaction/modConsole.h"
 #include "platform/modEvents.h"
 #include "platform/modFiles.h"
+#include "platform/modLocale.h"
 #include "platform/modOpen.h"
 #include "render/modRedraw.h"
 #include "render/modTexture.h"
@@ -67,6 +68,7 @@ void Reset()
     }
     Opened.clear();
     Folder.clear();
+    DecimalMark = ".";
 }
 
 } // namespace scripted
@@ -114,6 +116,11 @@ void OpenWithDesktop(const std::string& target)
 std::string ProgramFolder()
 {
     return scripted::Folder;
+}
+
+std::string LocaleDecimalMark()
+{
+    return scripted::DecimalMark;
 }
 
 void SetPanelText(const std::string& key, const std::string& text)

@@ -17,13 +17,13 @@ struct Box {
     std::string Text;
 };
 
-inline std::vector<Box> Messages;            ///< shown by ShowMessage
-inline std::vector<Box> Questions;           ///< asked by AskYesNoCancel
-inline std::deque<BoxAnswer> Answers;        ///< taken from the front; Cancel when empty
-inline std::deque<std::string> Texts;        ///< answers of AskText; empty text when empty
-inline std::deque<std::string> ChosenPaths;  ///< answers of ChooseFile; Cancel when empty
-inline std::deque<int> AssignModes;          ///< answers of AskWeightsAssignMode; 0 when empty
-inline std::vector<std::string> Log;         ///< lines of the Info Log
+inline std::vector<Box> Messages;                               ///< shown by ShowMessage
+inline std::vector<Box> Questions;                              ///< asked by AskYesNoCancel
+inline std::deque<BoxAnswer> Answers;                           ///< taken from the front; Cancel when empty
+inline std::deque<std::string> Texts;                           ///< answers of AskText; empty text when empty
+inline std::deque<std::string> ChosenPaths;                     ///< answers of ChooseFile; Cancel when empty
+inline std::deque<int> AssignModes;                             ///< answers of AskWeightsAssignMode; 0 when empty
+inline std::vector<std::string> Log;                            ///< lines of the Info Log
 inline std::vector<std::pair<std::string, std::string>> Panels; ///< key and text, in order
 inline std::vector<std::pair<int, int>> Progress;               ///< (maximum, value) of each step
 inline int LogShown = 0;
@@ -33,6 +33,7 @@ inline std::vector<BoneRow> BoneRows[2];
 inline int32_t SelectedRow[2] = {-1, -1}; ///< number of the selected row, -1 for none
 inline std::vector<std::string> Opened;   ///< targets of OpenWithDesktop
 inline std::string Folder;                ///< what ProgramFolder gives
+inline std::string DecimalMark = ".";     ///< what LocaleDecimalMark gives
 
 // File steps: count them, and let them fail. A step fails when its number (1 for the first since the last reset) is
 // FailAt, or, with FailAfter set, also every later one.

@@ -1,0 +1,182 @@
+#include "app/modDocument.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "app/modMvmDef.h"
+#include "model/modMvmWrite.h"
+#include "support/scripted.h"
+#include "support/temp_folder.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsSubsetOf;
+using testing::UnorderedElementsAre;
+
+namespace {
+
+constexpr const char* oldContent = "the old content";
+
+class Document : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        scripted::Reset();
+        Bones.Add().Name = "Spine01";
+    }
+
+    static std::string Message() { return scripted::Messages.size() == 1 ? scripted::Messages[0].Text : "(not one)"; }
+
+    TempFolder Folder;
+};
+
+/// Saves with every step failing in turn until a run reaches no failure. Each time the name must hold one whole content
+/// that fits the report, and the scene must be what it was.
+void SaveWithEveryFailure(bool existed, bool later)
+{
+    const std::string before = existed ? oldContent : "(none)";
+    for (int step = 1;; ++step) {
+        SCOPED_TRACE("step " + std::to_string(step) + (existed ? ", over a file" : "") + (later ? ", and later" : ""));
+        const TempFolder folder;
+        const std::string path = folder / "a.mvm";
+        if (existed) {
+            PutFile(path, oldContent);
+        }
+        scripted::Messages.clear();
+        scripted::Steps = 0;
+        scripted::FailAt = step;
+        scripted::FailAfter = later;
+        const bool good = SaveModelFile(path);
+        EXPECT_EQ(Content(path), good ? ModelText() : before);
+        if (scripted::Steps < step) {
+            EXPECT_TRUE(good);
+            EXPECT_GE(step, existed ? 9 : 6);
+            EXPECT_TRUE(scripted::Messages.empty());
+            EXPECT_THAT(folder.Names(), ElementsAre("a.mvm"));
+            return;
+        }
+        if (!good) {
+            ASSERT_FALSE(scripted::Messages.empty());
+            EXPECT_THAT(scripted::Messages[0].Text, HasSubstr("\nNo space left on device"));
+            EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Stop);
+        }
+        // What cannot be deleted stays, and the user knows; all else is gone.
+        const std::string guard = Content(path + ".old");
+        if (guard != "(none)") {
+            EXPECT_EQ(guard, oldContent);
+            ASSERT_FALSE(scripted::Messages.empty());
+            EXPECT_THAT(scripted::Messages.back().Text, HasSubstr(path + ".old"));
+        }
+        if (!later) {
+            EXPECT_THAT(folder.Names(), IsSubsetOf({"a.mvm", "a.mvm.old"}));
+        }
+    }
+}
+
+} // namespace
+
+TEST_F(Document, TheCaptionHasTheVersionAndThePath)
+{
+    EXPECT_EQ(CaptionFor(""), "BWRT 0.2.7");
+    EXPECT_EQ(CaptionFor("/a b/c.mvm"), "BWRT 0.2.7 - [/a b/c.mvm]");
+}
+
+TEST_F(Document, ASaveReplacesTheFileAndTheGuard)
+{
+    const std::string path = Folder / "a.mvm";
+    ASSERT_TRUE(SaveModelFile(path));
+    EXPECT_EQ(Content(path), ModelText());
+    PutFile(path + ".old", "of the user");
+    Bones[1].Name = "Tail02";
+    ASSERT_TRUE(SaveModelFile(path));
+    EXPECT_EQ(Content(path), ModelText());
+    EXPECT_THAT(Content(path), HasSubstr("Tail02"));
+    EXPECT_THAT(Folder.Names(), ElementsAre("a.mvm"));
+    EXPECT_TRUE(scripted::Messages.empty());
+}
+
+TEST_F(Document, EveryFailureOfASaveLeavesOneWholeContent)
+{
+    for (const bool existed : {true, false}) {
+        for (const bool later : {true, false}) {
+            SaveWithEveryFailure(existed, later);
+        }
+    }
+}
+
+TEST_F(Document, AGuardThatStaysIsToldAfterAGoodSave)
+{
+    const std::string path = Folder / "a.mvm";
+    PutFile(path, oldContent);
+    ASSERT_TRUE(SaveModelFile(path));
+    const int steps = scripted::Steps;
+    PutFile(path, oldContent);
+    scripted::Steps = 0;
+    scripted::FailAt = steps;
+    scripted::FailError = EACCES;
+    EXPECT_TRUE(SaveModelFile(path));
+    EXPECT_EQ(Content(path), ModelText());
+    EXPECT_EQ(Message(), "Can't delete the safety copy \"" + path + ".old\".\nPermission denied");
+    EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Warning);
+}
+
+TEST_F(Document, AReadOnlyFileIsLeftAlone)
+{
+    const std::string path = Folder / "a.mvm";
+    PutFile(path, oldContent);
+    ASSERT_EQ(chmod(path.c_str(), 0444), 0);
+    EXPECT_FALSE(SaveModelFile(path));
+    EXPECT_EQ(Message(), "Can't overwrite file.\nFile is marked read only.");
+    EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Warning);
+    EXPECT_EQ(Content(path), oldContent);
+    EXPECT_EQ(scripted::Steps, 0);
+    EXPECT_THAT(Folder.Names(), ElementsAre("a.mvm"));
+}
+
+TEST_F(Document, TargetsThatAreNoFilesAreRefused)
+{
+    EXPECT_FALSE(SaveModelFile(Folder.Path));
+    EXPECT_EQ(Message(), "Runtime error in WriteMVM\nIs a directory");
+    scripted::Messages.clear();
+    EXPECT_FALSE(SaveModelFile("/dev/full"));
+    EXPECT_EQ(Message(), "Runtime error in WriteMVM\nNot a regular file");
+    scripted::Messages.clear();
+    EXPECT_FALSE(SaveModelFile(Folder / "none/a.mvm"));
+    EXPECT_EQ(Message(), "Runtime error in WriteMVM\nNo such file or directory");
+}
+
+TEST_F(Document, AFolderInThePlaceOfTheGuardStopsTheSave)
+{
+    const std::string path = Folder / "a.mvm";
+    PutFile(path, oldContent);
+    std::filesystem::create_directory(path + ".old");
+    EXPECT_FALSE(SaveModelFile(path));
+    EXPECT_EQ(Message(), "Can't make a safety copy of the file.\nIs a directory");
+    EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Stop);
+    EXPECT_EQ(Content(path), oldContent);
+    EXPECT_THAT(Folder.Names(), ElementsAre("a.mvm", "a.mvm.old"));
+}
+
+TEST_F(Document, ASaveGoesThroughALinkAndKeepsHiddenFilesWhole)
+{
+    std::filesystem::create_directory(Folder / "sub");
+    PutFile(Folder / "sub/real.mvm", oldContent);
+    std::filesystem::create_symlink("sub/real.mvm", Folder / "a.mvm");
+    ASSERT_TRUE(SaveModelFile(Folder / "a.mvm"));
+    EXPECT_TRUE(std::filesystem::is_symlink(Folder / "a.mvm"));
+    EXPECT_EQ(Content(Folder / "sub/real.mvm"), ModelText());
+    EXPECT_THAT(Folder.Names(), UnorderedElementsAre("a.mvm", "sub"));
+
+    // A link to the very name that the guard would take.
+    PutFile(Folder / "b.mvm.old", oldContent);
+    std::filesystem::create_symlink("b.mvm.old", Folder / "b.mvm");
+    EXPECT_FALSE(SaveModelFile(Folder / "b.mvm"));
+    EXPECT_EQ(Content(Folder / "b.mvm"), oldContent);
+
+    PutFile(Folder / ".hidden.mvm", oldContent);
+    scripted::Steps = 0;
+    scripted::FailAt = 3; // behind the two steps of the guard
+    EXPECT_FALSE(SaveModelFile(Folder / ".hidden.mvm"));
+    EXPECT_EQ(Content(Folder / ".hidden.mvm"), oldContent);
+}

@@ -1,0 +1,81 @@
+#include "app/modMvmDef.h"
+
+#include <gtest/gtest.h>
+
+#include "support/scripted.h"
+
+namespace {
+
+class Scene : public testing::Test {
+protected:
+    void SetUp() override { scripted::Reset(); }
+};
+
+} // namespace
+
+TEST_F(Scene, IndicesAreValidFromOneToTheCount)
+{
+    EXPECT_FALSE(IsValidMesh(0));
+    EXPECT_FALSE(IsValidBone(0));
+    Meshes.Add();
+    Bones.Add();
+    Bones.Add();
+    for (const int32_t index : {-32768, -1, 0, 3, 32767, 65537}) {
+        EXPECT_FALSE(IsValidMesh(index)) << index;
+        EXPECT_FALSE(IsValidBone(index)) << index;
+    }
+    EXPECT_TRUE(IsValidMesh(1));
+    EXPECT_FALSE(IsValidMesh(2));
+    EXPECT_TRUE(IsValidBone(1));
+    EXPECT_TRUE(IsValidBone(2));
+}
+
+TEST_F(Scene, ClearForgetsTheContentAndLeavesTheDocument)
+{
+    ClearModel();
+    EXPECT_EQ(MeshCount() + BoneCount() + MaterialCount() + InstanceCount(), 0);
+
+    FormatVersion = "1.0.2";
+    Meshes.Add();
+    Bones.Add();
+    Materials.Add();
+    Instances.Add();
+    SkinMesh = ShadowMesh = HeadMesh = BodyMesh = TailMesh = ActiveBone = 1;
+    SkinScale = 2;
+    SkinOffset.Y = 3;
+    ModelOpen = true;
+    CurrentFile = "a.mvm";
+    ClearModel();
+    EXPECT_EQ(MeshCount() + BoneCount() + MaterialCount() + InstanceCount(), 0);
+    EXPECT_TRUE(FormatVersion.empty());
+    for (const int16_t role : {SkinMesh, ShadowMesh, HeadMesh, BodyMesh, TailMesh, ActiveBone}) {
+        EXPECT_EQ(role, 1);
+    }
+    EXPECT_EQ(SkinScale, 2);
+    EXPECT_EQ(SkinOffset.Y, 3);
+    EXPECT_TRUE(ModelOpen);
+    EXPECT_EQ(CurrentFile, "a.mvm");
+}
+
+TEST_F(Scene, MakeSkinTouchesOnlyMeshesThatAreNoSkin)
+{
+    Meshes.Add().Vertices.Items.resize(3);
+    Meshes.Add();
+    MakeSkin(0);
+    MakeSkin(3);
+    MakeSkin(-1);
+    EXPECT_FALSE(Meshes[1].IsSkin);
+
+    MakeSkin(1);
+    EXPECT_TRUE(Meshes[1].IsSkin);
+    EXPECT_EQ(Meshes[1].VertexBones.Items, (std::vector<int16_t>{0, 0, 0}));
+    EXPECT_EQ(Meshes[1].VertexJoints.Count(), 0);
+
+    Meshes[1].VertexBones[2] = 5;
+    MakeSkin(1);
+    EXPECT_EQ(Meshes[1].VertexBones.Items, (std::vector<int16_t>{0, 5, 0}));
+
+    MakeSkin(2);
+    EXPECT_TRUE(Meshes[2].IsSkin);
+    EXPECT_EQ(Meshes[2].VertexBones.Count(), 0);
+}

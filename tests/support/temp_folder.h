@@ -1,0 +1,53 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// A new, empty folder that goes away with all that lies in it.
+struct TempFolder {
+    std::string Path; ///< with a separator at its end
+
+    TempFolder()
+    {
+        std::string name = (std::filesystem::temp_directory_path() / "beastwright-test-XXXXXX").string();
+        Path = std::string(mkdtemp(name.data())) + "/";
+    }
+    ~TempFolder()
+    {
+        std::error_code ignored;
+        std::filesystem::remove_all(Path, ignored);
+    }
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+
+    [[nodiscard]] std::string operator/(const std::string& name) const { return Path + name; }
+
+    /// The names of all entries, hidden ones too, sorted.
+    [[nodiscard]] std::vector<std::string> Names() const
+    {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(Path)) {
+            names.push_back(entry.path().filename().string());
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+};
+
+/// The content of a file by other means than those under test; "(none)" without a file.
+inline std::string Content(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return file ? std::string(std::istreambuf_iterator<char>(file), {}) : std::string("(none)");
+}
+
+inline void PutFile(const std::string& path, std::string_view bytes)
+{
+    std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
