@@ -1,8 +1,13 @@
 #include "app/modDocument.h"
 
+#include <csignal>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <random>
+#include <set>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "app/modMvmDef.h"
 #include "model/modMvmWrite.h"
@@ -33,11 +38,13 @@ protected:
 
 /// Saves with every step failing in turn until a run reaches no failure. Each time the name must hold one whole content
 /// that fits the report, and the scene must be what it was.
-void SaveWithEveryFailure(bool existed, bool later)
+void SaveWithEveryFailure(bool existed, bool later, bool links)
 {
+    scripted::NoLinks = !links;
     const std::string before = existed ? oldContent : "(none)";
     for (int step = 1;; ++step) {
-        SCOPED_TRACE("step " + std::to_string(step) + (existed ? ", over a file" : "") + (later ? ", and later" : ""));
+        SCOPED_TRACE("step " + std::to_string(step) + (existed ? ", over a file" : "") + (later ? ", and later" : "") +
+                     (links ? "" : ", without links"));
         const TempFolder folder;
         const std::string path = folder / "a.mvm";
         if (existed) {
@@ -100,9 +107,42 @@ TEST_F(Document, EveryFailureOfASaveLeavesOneWholeContent)
 {
     for (const bool existed : {true, false}) {
         for (const bool later : {true, false}) {
-            SaveWithEveryFailure(existed, later);
+            SaveWithEveryFailure(existed, later, true);
+            SaveWithEveryFailure(existed, later, false);
         }
     }
+}
+
+TEST_F(Document, AKilledSaveLeavesOneWholeContent)
+{
+    const std::string path = Folder / "a.mvm";
+    std::set<std::string> contents;
+    for (const int32_t bones : {1, 4000}) {
+        Bones.Items.resize(static_cast<size_t>(bones));
+        contents.insert(ModelText());
+    }
+    ASSERT_TRUE(SaveModelFile(path));
+    std::minstd_rand random(7);
+    for (int round = 0; round < 25; ++round) {
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            for (;;) {
+                Bones.Items.resize(Bones.Count() == 1 ? 4000 : 1);
+                SaveModelFile(path);
+            }
+        }
+        usleep(static_cast<useconds_t>(random() % 5000));
+        ASSERT_EQ(kill(child, SIGKILL), 0);
+        ASSERT_EQ(waitpid(child, nullptr, 0), child);
+        EXPECT_TRUE(contents.contains(Content(path))) << round;
+        const std::string guard = Content(path + ".old");
+        EXPECT_TRUE(guard == "(none)" || contents.contains(guard)) << round;
+    }
+    // What a killed save left does not hinder the next one.
+    EXPECT_TRUE(SaveModelFile(path));
+    EXPECT_EQ(Content(path), ModelText());
+    EXPECT_FALSE(std::filesystem::exists(path + ".old"));
 }
 
 TEST_F(Document, AGuardThatStaysIsToldAfterAGoodSave)

@@ -1,8 +1,9 @@
 #include "platform/modFiles.h"
 
-#include <fcntl.h>
+#include <csignal>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -180,6 +181,24 @@ TEST_F(Files, AFailedReplaceLeavesTheOldFile)
     }
 }
 
+TEST_F(Files, AFileSizeLimitOfTheSystemIsAFailureLikeAnother)
+{
+    PutFile(Folder / "a", "old");
+    rlimit limit{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
+    rlimit small = limit;
+    small.rlim_cur = 1000;
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    const bool good = ReplaceFile(Folder / "a", std::string(5000, 'x'), &Error);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_FALSE(good);
+    EXPECT_EQ(Error, "File too large");
+    EXPECT_EQ(Content(Folder / "a"), "old");
+    EXPECT_THAT(Folder.Names(), ElementsAre("a"));
+}
+
 TEST_F(Files, AGuardHoldsTheOldContent)
 {
     PutFile(Folder / "a", "old");
@@ -190,8 +209,7 @@ TEST_F(Files, AGuardHoldsTheOldContent)
     // With a second name for the file, and with a copy where the file system has no such names.
     for (const bool links : {true, false}) {
         for (const char* name : {"new", "plain", "link", "same"}) {
-            scripted::Steps = 0;
-            scripted::FailAt = links ? 0 : 1;
+            scripted::NoLinks = !links;
             ASSERT_TRUE(GuardFile(Folder / "a", Folder / name, &Error)) << name << Error;
             EXPECT_EQ(Content(Folder / name), "old") << name;
             EXPECT_FALSE(std::filesystem::is_symlink(Folder / name));

@@ -45,7 +45,7 @@ std::string Panel(const std::string& key)
 void Reset()
 {
     Steps = FailAt = FailError = 0;
-    FailAfter = false;
+    FailAfter = NoLinks = false;
     ResetScene();
     FreeAliases();
     AliasesOn = true;

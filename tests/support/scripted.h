@@ -40,7 +40,8 @@ inline std::string DecimalMark = ".";     ///< what LocaleDecimalMark gives
 inline int Steps = 0;
 inline int FailAt = 0;
 inline bool FailAfter = false;
-inline int FailError = 0; ///< errno of the failing step; ENOSPC when 0
+inline int FailError = 0;    ///< errno of the failing step; ENOSPC when 0
+inline bool NoLinks = false; ///< the file system knows no second names for a file
 
 /// The panel's latest text; empty when none was set.
 std::string Panel(const std::string& key);

@@ -76,7 +76,14 @@ int StepRename(const std::string& from, const std::string& to)
 
 int StepLink(const std::string& from, const std::string& to)
 {
-    return Fails() ? -1 : link(from.c_str(), to.c_str());
+    if (Fails()) {
+        return -1;
+    }
+    if (scripted::NoLinks) {
+        errno = EPERM;
+        return -1;
+    }
+    return link(from.c_str(), to.c_str());
 }
 
 int StepDelete(const std::string& path)
