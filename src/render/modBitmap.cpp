@@ -1,5 +1,7 @@
 #include "render/modBitmap.h"
 
+#include <algorithm>
+#include <array>
 #include <new>
 #include <stdexcept>
 
@@ -8,6 +10,8 @@
 #include "render/modMath.h"
 
 namespace {
+
+using Color = std::array<uint8_t, 4>; // red, green, blue, alpha
 
 // Places in a file with a file header of 14 bytes and an info header of 40 bytes.
 constexpr size_t widthOffset = 18;
@@ -119,23 +123,22 @@ BitmapResult ReadPaletteColors(std::string_view bytes, const std::string& colorF
     }
 
     // An index has one byte, so no more than 256 colours can be asked for; those the palette lacks are black.
-    std::vector<uint8_t> colors(4 * fullPalette, 0);
-    for (size_t i = 0; i < fullPalette; ++i) {
-        colors[4 * i + 3] = 255;
-        if (i < paletteCount) {
-            PutPixel(&colors[4 * i], bytes, dataOffset + paletteEntrySize * i);
-        }
+    constexpr Color black = {0, 0, 0, 255};
+    constexpr Color blue = {0, 0, 255, 255};
+    constexpr Color darkGray = {63, 63, 63, 255};
+    std::array<Color, fullPalette> colors;
+    colors.fill(black);
+    for (size_t i = 0; i < std::min(paletteCount, colors.size()); ++i) {
+        PutPixel(colors[i].data(), bytes, dataOffset + paletteEntrySize * i);
     }
-    if (colors[0] == 0 && colors[1] == 0 && colors[2] == 255) {
-        colors[0] = colors[1] = colors[2] = 63;
+    if (colors[0] == blue) {
+        colors[0] = darkGray;
     }
 
     bitmap->Pixels.resize(4 * count);
     for (size_t i = 0; i < count; ++i) {
-        const uint8_t* const color = &colors[4 * static_cast<size_t>(ByteAt(bytes, pixelsOffset + i))];
-        for (size_t channel = 0; channel < 4; ++channel) {
-            bitmap->Pixels[4 * i + channel] = color[channel];
-        }
+        const Color& color = colors[ByteAt(bytes, pixelsOffset + i)];
+        std::copy(color.begin(), color.end(), &bitmap->Pixels[4 * i]);
     }
     return BitmapResult::Done;
 }

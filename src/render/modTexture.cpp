@@ -28,7 +28,7 @@ std::string FindMap(const std::string& map, const std::string& folder)
     if (map.empty()) {
         return {};
     }
-    const std::string asGiven = Utf8FromCodePage(map);
+    std::string asGiven = Utf8FromCodePage(map);
     if (FileExists(asGiven)) {
         return asGiven;
     }
@@ -38,7 +38,7 @@ std::string FindMap(const std::string& map, const std::string& folder)
         return turned;
     }
     const std::string name(FileNameOf(turned));
-    const std::string beside = folder + name;
+    std::string beside = folder + name;
     if (FileExists(beside)) {
         return beside;
     }
