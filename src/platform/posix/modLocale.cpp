@@ -1,7 +1,7 @@
 #include "platform/modLocale.h"
 
+#include <clocale>
 #include <langinfo.h>
-#include <locale.h> // newlocale lives only in the C form of this header
 
 #include "platform/modUtf8.h"
 
