@@ -23,8 +23,13 @@
 /// True when `text` holds `word` (given in lower case), compared without regard to the case of A to Z.
 [[nodiscard]] bool HoldsAnyCase(std::string_view text, std::string_view word);
 
+/// True when `text` is `word` (given in lower case), compared without regard to the case of A to Z.
+[[nodiscard]] bool EqualsAnyCase(std::string_view text, std::string_view word);
+
 /// Removes blanks and tabs outside double quotes. An unclosed quote keeps all that follows it.
 [[nodiscard]] std::string StripWhitespace(std::string_view line);
+/// The same into a text that keeps its memory from call to call.
+void StripWhitespaceInto(std::string_view line, std::string* result);
 /// Removes every double quote.
 [[nodiscard]] std::string StripQuotes(std::string_view text);
 
@@ -44,8 +49,9 @@ bool ParseUV(std::string_view text, Vec2* result);
 /// A triple "(a,b,c)" as X = a, Y = c, Z = -b. Fails like ParseUV.
 bool ParseVec3(std::string_view text, Vec3* result);
 
-/// At most seven significant digits, no trailing zeros, a point as decimal mark in every locale, exponent form ("1.5E-07")
-/// for values that need it. Zero of either sign is "0".
+/// At most seven significant digits, no trailing zeros, a point as decimal mark in every locale. Sizes (after rounding)
+/// from 0.0001 to 9999999 are plain decimals, all others take the exponent form ("1.5E-07", "1E+07"). Zero of either sign
+/// is "0". What no text can carry becomes what a reader takes: an infinity the largest float, not-a-number "0".
 [[nodiscard]] std::string FloatToText(float value);
 /// Writes the same text to `to` (room for 24 characters) and returns the end.
 char* FloatToChars(float value, char* to);
