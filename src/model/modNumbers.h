@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 // Numbers of the shape that nearly every line of a model file has: an optional "-", at most 18 digits, at most one point.

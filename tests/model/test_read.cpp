@@ -1,0 +1,260 @@
+#include <gmock/gmock.h>
+
+#include "app/modStatus.h"
+#include "model/model_file.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+std::vector<std::string> BoneNames()
+{
+    std::vector<std::string> names;
+    for (const MvmBone& bone : Bones) {
+        names.push_back(bone.Name);
+    }
+    return names;
+}
+
+class ReadModel : public ModelFile {};
+
+} // namespace
+
+TEST_F(ReadModel, EndsLinesAtCrLfOrLoneCrOnly)
+{
+    ASSERT_TRUE(Load("bone \"A\"\r{\r\n}\rbone \"B\"\r\r\n{\r}\r\n\rbone \"C\""));
+    EXPECT_THAT(BoneNames(), ElementsAre("A", "B", "C"));
+
+    ASSERT_TRUE(LoadAnew("bone \"A\"\n{\n}\nbone \"B\"\n{\n}\n"));
+    EXPECT_THAT(BoneNames(), ElementsAre("A\n{\n}\nbone")); // one line, and its braces open no second block
+
+    // LF is no blank of a header, but of a number; CR CR LF is an empty line; a byte order mark is part of its line.
+    ASSERT_TRUE(LoadAnew("\nbone \"X\"\r\xEF\xBB\xBF"
+                         "bone \"Y\"\rbone \"A\"\r\r\n{\rposition=(1\n2,\n3,4)\r\nposition\n=(0,0,0)\r}"));
+    EXPECT_THAT(BoneNames(), ElementsAre("A"));
+    EXPECT_EQ(Bones[1].Position.X, 12);
+    EXPECT_EQ(Bones[1].Position.Z, -3);
+    EXPECT_EQ(Bones[1].ExtraText, "position\n=(0,0,0)\r\n");
+}
+
+TEST_F(ReadModel, TakesEveryByteAsItIs)
+{
+    using namespace std::string_literals;
+    ASSERT_TRUE(Load("bone \"\xC4\x80\0\xFFz\"\r{\r x\0\x1A\xE9 = 1\r}\r"s));
+    EXPECT_EQ(Bones[1].Name, "\xC4\x80\0\xFFz"s);
+    EXPECT_EQ(Bones[1].ExtraText, " x\0\x1A\xE9 = 1\r\n"s);
+}
+
+TEST_F(ReadModel, SplitsHeadersAtSingleBlanks)
+{
+    const struct {
+        const char* Header;
+        std::vector<std::string> Names;
+    } cases[] = {
+        {"BONE \"Ab\"", {"Ab"}}, {"  bone \"A\"  ", {"A"}},
+        {"\tbone \"A\"", {}},    {"bone\t\"A\"", {}},
+        {"bone  \"A\"", {""}},   {"bone", {""}},
+        {"bone \"A b\"", {"A"}}, {"bone \"A\"{", {"A{"}},
+        {"bone A\"\"B", {"AB"}}, {"bones \"A\"", {}},
+        {"bone{", {}},           {"bone \"A\"\t", {"A\t"}},
+    };
+    for (const auto& row : cases) {
+        ASSERT_TRUE(LoadAnew(row.Header));
+        EXPECT_EQ(BoneNames(), row.Names) << row.Header;
+    }
+}
+
+TEST_F(ReadModel, OpensAndClosesBlocksAtAnyBrace)
+{
+    ASSERT_TRUE(Load(Lines({"bone \"A\" {", "position = (1,2,3) }", "rotation = (4,5,6)", "junk { here", "{ { {",
+                            "rotation = (7,8,9)", "x = \"}\" position = (0,0,0)", "position=(9,9,9)"})));
+    EXPECT_EQ(Bones[1].Position.X, 1); // read although it stands on the closing line
+    EXPECT_EQ(Bones[1].Rotation.X, 7); // an unknown block feeds the last record
+    EXPECT_EQ(Bones[1].ExtraText, "{ { {\r\n");
+
+    ASSERT_TRUE(LoadAnew(Lines({"}", "{", "position = (1,2,3)", "formatversion = 3", "}", "fileinfo and more", "{",
+                                " FormatVersion = \"1 .0\" . 2 = 5", "}"})));
+    EXPECT_EQ(BoneCount(), 0);
+    EXPECT_EQ(FormatVersion, "\"1 .0\".2");
+}
+
+TEST_F(ReadModel, KeepsUnknownLinesOfBonesOnly)
+{
+    ASSERT_TRUE(Load(Lines({"bone \"A\"",
+                            "{",
+                            "\t Mass = 3",
+                            "   ",
+                            "\"position = (1,1,1)",
+                            "",
+                            "gone }",
+                            "material \"M\"",
+                            "{",
+                            " ColorMap = \"a b=c.bmp\"",
+                            " opacitymap=\"o\"x\"\"",
+                            "BUMPMAP",
+                            " shine = 1",
+                            "}",
+                            "instance \"I\"",
+                            "{",
+                            "mesh = \"M m\"",
+                            "scale = 2.5x",
+                            "color = 1",
+                            "}",
+                            "instance \"J\""})));
+    EXPECT_EQ(Bones[1].ExtraText, "\t Mass = 3\r\n   \r\n\"position = (1,1,1)\r\n");
+    EXPECT_EQ(Materials[1].ColorMap, "a b");
+    EXPECT_EQ(Materials[1].OpacityMap, "ox");
+    EXPECT_EQ(Materials[1].BumpMap, "");
+    EXPECT_EQ(Instances[1].Mesh, "M m");
+    EXPECT_EQ(Instances[1].Scale, 2.5F);
+    EXPECT_EQ(Instances[2].Scale, 0);
+}
+
+TEST_F(ReadModel, FillsFacesByPosition)
+{
+    const struct {
+        const char* Line;
+        std::array<int16_t, 10> Numbers; // vertices, texture coordinates, normals, material
+    } cases[] = {
+        {" f = (1,2,3),(4,5,6),(7,8,9),2", {1, 2, 3, 4, 5, 6, 7, 8, 9, 2}},
+        {"f=1,2,3,4,5,6,7,8,9,1", {1, 2, 3, 4, 5, 6, 7, 8, 9, 1}},
+        {" f = (1,2,3),(4,5,6),(7,8,9)", {1, 2, 3, 4, 5, 6, 7, 8, 9, 0}},
+        {" f = (1,2,3),(4,5,6),(7,8,9),3", {1, 2, 3, 4, 5, 6, 7, 8, 9, 0}},
+        {" f = (1,2,3),(4,5,6),(7,8,9),2.5,9", {1, 2, 3, 4, 5, 6, 7, 8, 9, 2}},
+        {" f = (1,2,3),(4,5,6),(7,8,9),-4", {1, 2, 3, 4, 5, 6, 7, 8, 9, -4}},
+        {" f = (1,2,3),(4,5,6),(7,8,9),2147483647.4", {1, 2, 3, 4, 5, 6, 7, 8, 9, 0}},
+        {" f = (1.5,2.5,-2.5),(x,,4)5", {2, 2, -2, 0, 0, 45, 0, 0, 0, 0}},
+        {" F", {0, 0, 0, 0, 0, 0, 0, 0, 0, 0}},
+        {" f = 32767.4,-32768.5,1E3", {32767, -32768, 1000, 0, 0, 0, 0, 0, 0, 0}},
+    };
+    for (const auto& row : cases) {
+        ASSERT_TRUE(LoadAnew(Lines({"mesh \"M\" {", "m = a", "m = b", row.Line, "m = c", "}"}))) << row.Line;
+        ASSERT_EQ(Meshes[1].FaceCount(), 1);
+        const MvmFace& face = Meshes[1].Faces[1];
+        EXPECT_THAT(
+            (std::array<int16_t, 10>{face.Vertex[0], face.Vertex[1], face.Vertex[2], face.TexCoord[0], face.TexCoord[1],
+                                     face.TexCoord[2], face.Normal[0], face.Normal[1], face.Normal[2], face.Material}),
+            testing::ElementsAreArray(row.Numbers))
+            << row.Line;
+    }
+}
+
+TEST_F(ReadModel, StopsAtAFailureAndKeepsWhatWasRead)
+{
+    const struct {
+        const char* Line;
+        int Faces, Vertices;
+    } cases[] = {
+        {"position = x", 1, 1}, // no failure: a mesh does not know it
+        {"v = (", 1, 1},
+        {"v", 1, 1},
+        {"v = (1E39,0,0),3", 1, 1},
+        {"v = (0,0,1E400),3", 1, 1},
+        {"v = (1,2,3),32767.5", 1, 2},
+        {"v = (1,2,3),1E300", 1, 2},
+        {"v = (1,2,3),99999", 1, 2},
+        {"n = 1", 1, 1},
+        {"t = ", 1, 1},
+        {"f = 1,32768", 2, 1},
+        {"f = 1,2,3,4,5,6,7,8,9,3E9", 2, 1},
+        {"f = 1,2,3,4,5,6,7,8,9,-40000", 2, 1},
+    };
+    for (const auto& row : cases) {
+        const bool good = row.Line[0] == 'p';
+        ASSERT_EQ(LoadAnew(Lines({"bone \"$j$07\"", "skin \"S\"", "{", "v = (1,2,3),7", "f = 1,2,3", row.Line,
+                                  "m = late", "}", "bone \"late\""})),
+                  good)
+            << row.Line;
+        EXPECT_EQ(Meshes[1].FaceCount(), row.Faces) << row.Line;
+        EXPECT_EQ(Meshes[1].VertexCount(), row.Vertices) << row.Line;
+        EXPECT_EQ(Meshes[1].VertexBones.Count(), row.Vertices) << row.Line;
+        EXPECT_EQ(Meshes[1].VertexJoints.Count(), row.Vertices) << row.Line;
+        EXPECT_EQ(Meshes[1].MeshMaterialCount(), good ? 1 : 0) << row.Line;
+        EXPECT_EQ(BoneCount(), good ? 2 : 1);
+        EXPECT_EQ(Bones[1].IsShadow, good);
+        EXPECT_EQ(SkinMesh, good ? 1 : 0);
+        EXPECT_EQ(scripted::Panel("toolhelp"), good ? "Ready..." : "Loading geometry...");
+        EXPECT_FALSE(LoadRunning);
+        if (!good) {
+            ASSERT_EQ(scripted::Messages.size(), 1U);
+            EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Stop);
+            EXPECT_THAT(LastMessage(), StartsWith("Runtime error in LoadMVM\nLine 6: "));
+        }
+    }
+    ASSERT_FALSE(LoadAnew(Lines({"instance \"I\" {", "", "scale = 1E39"})));
+    EXPECT_THAT(LastMessage(), HasSubstr("Line 3: "));
+    EXPECT_EQ(InstanceCount(), 1);
+}
+
+TEST_F(ReadModel, ReportsPathsThatCannotBeRead)
+{
+    for (const std::string& path : {std::string(), std::string("/no/such/file.mvm"),
+                                    std::filesystem::temp_directory_path().string(), std::string("/dev/zero")}) {
+        scripted::Reset();
+        EXPECT_FALSE(LoadMVM(path)) << path;
+        ASSERT_EQ(scripted::Messages.size(), 1U) << path;
+        EXPECT_THAT(LastMessage(), StartsWith("Runtime error in LoadMVM\n"));
+        EXPECT_GT(LastMessage().size(), std::string("Runtime error in LoadMVM\n").size());
+        EXPECT_FALSE(LoadRunning);
+    }
+}
+
+TEST_F(ReadModel, StepsThroughTheFile)
+{
+    ASSERT_TRUE(Load(""));
+    EXPECT_TRUE(scripted::Progress.empty());
+    EXPECT_THAT(scripted::Panels,
+                ElementsAre(testing::Pair("toolhelp", "Loading geometry..."),
+                            testing::Pair("toolhelp", "Verifying shadow bones..."),
+                            testing::Pair("toolhelp", "Verifying meshes..."), testing::Pair("toolhelp", "Ready...")));
+
+    std::string text;
+    for (int line = 0; line < 100; ++line) {
+        text += "some line that means nothing\r\n";
+    }
+    ASSERT_TRUE(LoadAnew(text));
+    int expected = 0;
+    for (const auto& [maximum, value] : scripted::Progress) {
+        EXPECT_EQ(maximum, 3000);
+        EXPECT_EQ(value, expected); // every multiple is met, since lines are shorter
+        expected += 128;
+    }
+    EXPECT_EQ(expected, 3000 / 128 * 128 + 128);
+}
+
+TEST_F(ReadModel, EndsWithoutAMessageWhenStopped)
+{
+    std::ofstream(Path, std::ios::binary) << "bone \"A\"\r\nbone \"B\"\r\n";
+    StopRequested = true;
+    EXPECT_FALSE(LoadMVM(Path));
+    EXPECT_EQ(BoneCount(), 1);
+    EXPECT_TRUE(scripted::Messages.empty());
+    EXPECT_FALSE(LoadRunning);
+}
+
+TEST_F(ReadModel, RefusesToRunInsideAnotherLoad)
+{
+    std::ofstream(Path, std::ios::binary) << "bone \"A\"";
+    LoadRunning = true;
+    EXPECT_FALSE(LoadMVM(Path));
+    EXPECT_TRUE(LoadRunning);
+    LoadRunning = false;
+    EXPECT_EQ(BoneCount(), 0);
+}
+
+TEST_F(ReadModel, GivesBackMemoryThatItDoesNotNeed)
+{
+    std::string text = "skin \"S\" {\r\n";
+    for (int line = 0; line < 1025; ++line) {
+        text += " v = (1,2,3),7\r\n n = (1,2,3)\r\n t = (1,2)\r\n f = (1,2,3),(1,2,3),(1,2,3),0\r\n";
+    }
+    ASSERT_TRUE(Load(text + "}\r\nmesh \"$M\"\r\n"));
+    EXPECT_EQ(Meshes[1].Vertices.Items.capacity(), 1025U);
+    EXPECT_EQ(Meshes[1].Normals.Items.capacity(), 1025U);
+    EXPECT_EQ(Meshes[1].TexCoords.Items.capacity(), 1025U);
+    EXPECT_EQ(Meshes[1].Faces.Items.capacity(), 1025U);
+    EXPECT_EQ(Meshes[1].VertexBones.Items.capacity(), 1025U);
+    EXPECT_EQ(Meshes[1].VertexJoints.Items.capacity(), 1025U);
+}
