@@ -1,0 +1,169 @@
+#include "mesh.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <utility>
+
+namespace {
+
+constexpr size_t formatLimit = 32767;
+
+void Expect(bool holds, const std::string& what, const Mesh& mesh)
+{
+    if (!holds) {
+        Fail("mesh " + mesh.name + ": " + what);
+    }
+}
+
+V3 Reflected(V3 a)
+{
+    return {a.x == 0 ? 0 : -a.x, a.y, a.z};
+}
+
+// Each edge of a closed surface is walked once in each direction.
+void CheckClosed(const Mesh& mesh, int open)
+{
+    std::map<std::pair<int, int>, int> walked;
+    for (const Face& face : mesh.f) {
+        for (size_t k = 0; face.material != open && k < 3; ++k) {
+            ++walked[{face.v[k], face.v[(k + 1) % 3]}];
+        }
+    }
+    for (const auto& [edge, times] : walked) {
+        const auto back = walked.find({edge.second, edge.first});
+        const V3 at = mesh.v[static_cast<size_t>(edge.first)];
+        const std::string where =
+            " at " + std::to_string(at.x) + " " + std::to_string(at.y) + " " + std::to_string(at.z);
+        Expect(times == 1, "an edge belongs to more than two faces" + where, mesh);
+        Expect(back != walked.end() && back->second == 1, "an edge has one face only" + where, mesh);
+    }
+}
+
+void CheckSymmetric(const Mesh& mesh)
+{
+    std::map<std::array<double, 3>, int> places;
+    for (const V3& at : mesh.v) {
+        ++places[{at.x, at.y, at.z}];
+    }
+    for (const V3& at : mesh.v) {
+        const V3 twin = Reflected(at);
+        Expect(places[{at.x, at.y, at.z}] == 1, "two vertices share a place", mesh);
+        Expect(places.count({twin.x, twin.y, twin.z}) == 1, "a vertex has no twin", mesh);
+    }
+}
+
+} // namespace
+
+void Fail(const std::string& message)
+{
+    std::fprintf(stderr, "vorrel_maker: %s\n", message.c_str());
+    std::exit(1);
+}
+
+double Rounded(double value)
+{
+    const double steps = std::nearbyint(value * 1e5);
+    return std::fabs(steps) < 100 ? 0 : steps / 1e5;
+}
+
+void RoundMesh(Mesh* mesh)
+{
+    for (std::vector<V3>* list : {&mesh->v, &mesh->n}) {
+        for (V3& a : *list) {
+            a = {Rounded(a.x), Rounded(a.y), Rounded(a.z)};
+        }
+    }
+    for (V2& a : mesh->t) {
+        a = {Rounded(a.u), Rounded(a.v)};
+    }
+}
+
+void Append(const Mesh& part, Mesh* mesh)
+{
+    const int v = static_cast<int>(mesh->v.size());
+    const int t = static_cast<int>(mesh->t.size());
+    const int n = static_cast<int>(mesh->n.size());
+    mesh->v.insert(mesh->v.end(), part.v.begin(), part.v.end());
+    mesh->t.insert(mesh->t.end(), part.t.begin(), part.t.end());
+    mesh->n.insert(mesh->n.end(), part.n.begin(), part.n.end());
+    mesh->bone.insert(mesh->bone.end(), part.bone.begin(), part.bone.end());
+    for (Face face : part.f) {
+        for (size_t k = 0; k < 3; ++k) {
+            face.v[k] += v;
+            face.t[k] += t;
+            face.n[k] += n;
+        }
+        mesh->f.push_back(face);
+    }
+}
+
+void MirrorHalf(const Skeleton& skeleton, Mesh* mesh)
+{
+    const auto reflect = [](std::vector<V3>* list) {
+        std::vector<int> twin;
+        const size_t count = list->size();
+        for (size_t i = 0; i < count; ++i) {
+            const V3 a = (*list)[i];
+            twin.push_back(static_cast<int>(a.x == 0 ? i : list->size()));
+            if (a.x != 0) {
+                list->push_back(Reflected(a));
+            }
+        }
+        return twin;
+    };
+    const std::vector<int> vertexTwin = reflect(&mesh->v);
+    const std::vector<int> normalTwin = reflect(&mesh->n);
+    mesh->bone.resize(mesh->v.size(), -1);
+    for (size_t i = 0; i < vertexTwin.size(); ++i) {
+        const int bone = mesh->bone[i];
+        mesh->bone[static_cast<size_t>(vertexTwin[i])] = bone < 0 ? -1 : skeleton[static_cast<size_t>(bone)].partner;
+    }
+    const size_t count = mesh->f.size();
+    for (size_t i = 0; i < count; ++i) {
+        const Face face = mesh->f[i];
+        Face image = face;
+        for (size_t k = 0; k < 3; ++k) {
+            image.v[k] = vertexTwin[static_cast<size_t>(face.v[2 - k])];
+            image.n[k] = normalTwin[static_cast<size_t>(face.n[2 - k])];
+            image.t[k] = face.t[2 - k];
+        }
+        mesh->f.push_back(image);
+    }
+}
+
+void SettleClose(const Skeleton& skeleton, double tolerance, Mesh* mesh)
+{
+    const auto isMiddle = [&](int bone) { return skeleton[static_cast<size_t>(bone)].partner == bone; };
+    const size_t count = mesh->v.size();
+    // Middle bones spread outward first, then the lower number wins, so that the walk comes to an end.
+    const auto weaker = [&](int a, int b) { return isMiddle(a) != isMiddle(b) ? isMiddle(b) : b < a; };
+    for (bool changed = true; changed;) {
+        changed = false;
+        for (size_t i = 0; i < count; ++i) {
+            for (size_t j = 0; j < count; ++j) {
+                const V3 d = mesh->v[i] - mesh->v[j];
+                if (std::max({std::fabs(d.x), std::fabs(d.y), std::fabs(d.z)}) < tolerance &&
+                    mesh->bone[i] != mesh->bone[j] && weaker(mesh->bone[i], mesh->bone[j])) {
+                    mesh->bone[i] = mesh->bone[j];
+                    changed = true;
+                }
+            }
+        }
+    }
+}
+
+void CheckMesh(const Mesh& mesh, int open)
+{
+    Expect(mesh.v.size() < formatLimit && mesh.t.size() < formatLimit && mesh.n.size() < formatLimit &&
+               mesh.f.size() < formatLimit,
+           "an array is too long", mesh);
+    CheckClosed(mesh, open);
+    CheckSymmetric(mesh);
+    for (const Face& face : mesh.f) {
+        const V3 a = mesh.v[static_cast<size_t>(face.v[0])];
+        const V3 across = Cross(mesh.v[static_cast<size_t>(face.v[1])] - a, mesh.v[static_cast<size_t>(face.v[2])] - a);
+        Expect(Length(across) > 0, "a face has no area", mesh);
+    }
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "body.h"
+#include "vec.h"
+
+/// A triangle, counter-clockwise from outside; numbers count from 0.
+struct Face {
+    std::array<int, 3> v{}, t{}, n{};
+    int material = 0;
+};
+
+struct Mesh {
+    std::string name;
+    bool skin = false;
+    std::vector<std::string> materials;
+    std::vector<V3> v, n;
+    std::vector<V2> t;
+    std::vector<Face> f;
+    std::vector<int> bone; ///< index into the skeleton for each vertex, -1 for none; for skins only
+};
+
+/// Rounds to the steps that a file holds; values next to 0 become 0, so that no text needs an exponent.
+double Rounded(double value);
+/// Rounds all arrays of a mesh.
+void RoundMesh(Mesh* mesh);
+
+/// Adds `part` (one material number for all its faces) to `mesh`.
+void Append(const Mesh& part, Mesh* mesh);
+
+/// Completes a half with X >= 0: every vertex off the plane gets a twin, every face its reversed image, and a twin gets
+/// the partner bone of its original.
+void MirrorHalf(const Skeleton& skeleton, Mesh* mesh);
+
+/// Gives vertices that lie so close together that mirroring cannot tell them apart the same bone.
+void SettleClose(const Skeleton& skeleton, double tolerance, Mesh* mesh);
+
+/// Stops the program with a message unless the faces of all materials but `open` form closed, consistently wound
+/// shells, the mesh is exactly symmetric, and every array fits the format.
+void CheckMesh(const Mesh& mesh, int open);
+
+/// Ends the program with a message.
+[[noreturn]] void Fail(const std::string& message);
