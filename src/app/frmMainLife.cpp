@@ -1,0 +1,163 @@
+#include <algorithm>
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QElapsedTimer>
+#include <QListWidget>
+#include <QOpenGLWidget>
+#include <QScreen>
+#include <QWindow>
+
+#include "app/frmLog.h"
+#include "app/modApp.h"
+#include "app/modMvmDef.h"
+#include "app/modStatus.h"
+#include "dialogs/frmNew.h"
+#include "interaction/frmMain.h"
+#include "interaction/modCamera.h"
+#include "platform/modDialogs.h"
+#include "platform/modEvents.h"
+#include "platform/modFiles.h"
+#include "render/modOpenGL.h"
+#include "render/modTexture.h"
+#include "render/modViewFlags.h"
+#include "weights/modBoneAlias.h"
+#include "weights/modEdit.h"
+#include "weights/modMirror.h"
+
+#include <GL/gl.h>
+
+namespace {
+
+/// How long a start waits for the window manager to put the window on the screen.
+constexpr qint64 patience = 1000;
+
+void WaitUntilShown(const QWindow& window)
+{
+    QElapsedTimer time;
+    time.start();
+    while (!window.isExposed() && time.elapsed() < patience) {
+        QApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+    PumpEvents();
+}
+
+} // namespace
+
+void InitApp()
+{
+    AppClosing = false;
+    StopRequested = false;
+    MakeViewCurrent();
+    GLReady = InitOpenGL();
+    if (GLReady) {
+        const QWidget* view = MainForm()->picMain;
+        PixelScale = static_cast<float>(view->devicePixelRatioF());
+        ResizeViewport(qRound(view->width() * view->devicePixelRatioF()),
+                       qRound(view->height() * view->devicePixelRatioF()));
+        glClearColor(0.5F, 0.5F, 0.5F, 0);
+        glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
+        glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_NICEST);
+        glEnable(GL_DEPTH_TEST);
+        glEnable(GL_CULL_FACE);
+    } else {
+        ShowMessage(BoxIcon::Stop, "Error initializing OpenGL.");
+    }
+    InitCameras();
+    PointSize = 5;
+    SkinScale = 1;
+    MirrorVertexThreshold = 0.01F;
+    MirrorBoneThreshold = 0.01F;
+    DisplayMode = 2;
+    EditTarget = 0;
+    LoadAlias();
+}
+
+void ShutdownApp()
+{
+    AppClosing = true;
+    if (ModelOpen) {
+        ModelOpen = false;
+        ClearModel();
+    }
+    FreeAliases();
+    if (GLReady) {
+        // What a failed load left behind still holds textures of the context.
+        FreeTextures();
+        ShutdownOpenGL();
+        GLReady = false;
+    }
+    CloseInfoLog();
+    ForgetNewDialog();
+}
+
+void frmMain::Start(const std::string& commandLine)
+{
+    resize(660, 508);
+    setMinimumSize(660, 508);
+    move(screen()->availableGeometry().center() - QPoint(330, 254));
+    winId();
+    if (auto* view = qobject_cast<QOpenGLWidget*>(picMain)) {
+        // A first picture that nobody sees makes the context, so that it stands before the window shows.
+        LayOut();
+        view->grabFramebuffer();
+    }
+    InitApp();
+    ReadFlagsFromTicks();
+    SetCamera(1);
+    SetToolMode(0);
+    lstAnimation->addItem(QStringLiteral("NONE"));
+    SetCaption();
+    FillBoneLists();
+    LastPath = ProgramFolder();
+    show();
+    WaitUntilShown(*windowHandle());
+    FitFrame();
+    PumpEvents();
+    OpenCommandLine(commandLine);
+    if (!unloaded && IsInfoLogVisible()) {
+        FocusInfoLog();
+    }
+}
+
+void frmMain::OpenCommandLine(const std::string& commandLine)
+{
+    std::string path = commandLine;
+    std::erase(path, '"');
+    if (!path.empty()) {
+        OpenFile(path);
+    }
+}
+
+void frmMain::closeEvent(QCloseEvent* event)
+{
+    if (unloaded) {
+        event->accept();
+        return;
+    }
+    if (Busy()) {
+        StopRequested = true;
+        SetPanelText("toolhelp", "Closing...");
+        event->ignore();
+        return;
+    }
+    if (ModelOpen && !ConfirmDiscard()) {
+        event->ignore();
+        return;
+    }
+    unloaded = true;
+    setAcceptDrops(false);
+    ShutdownApp();
+    event->accept();
+    QCoreApplication::exit(0);
+}
+
+bool frmMain::EndAfterStop()
+{
+    if (!StopRequested) {
+        return false;
+    }
+    StopRequested = false;
+    close();
+    return unloaded;
+}

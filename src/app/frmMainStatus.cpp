@@ -1,0 +1,109 @@
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QProgressBar>
+
+#include "app/modStatus.h"
+#include "interaction/frmMain.h"
+#include "interaction/frmMainMenu.h"
+#include "platform/modEvents.h"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr auto pumpInterval = std::chrono::microseconds(1000000 / 60);
+
+int32_t progressMaximum = 1;
+Clock::time_point lastPump;
+
+void ShowProgress(const frmMain& window, int32_t value)
+{
+    window.pgbProgress->setValue(value);
+    const double percent = static_cast<double>(value) / progressMaximum * 100;
+    window.txtProgress->setText(QString::number(std::lrint(percent)) + QLatin1Char('%'));
+}
+
+} // namespace
+
+void SetPanelText(const std::string& key, const std::string& text)
+{
+    if (const frmMain* window = MainForm()) {
+        window->panels[key == "progress" ? 1 : 0]->setText(QString::fromStdString(text));
+    }
+}
+
+void ProgressBegin(int32_t maximum)
+{
+    progressMaximum = std::max(maximum, 1);
+    lastPump = Clock::now();
+    if (frmMain* window = MainForm()) {
+        window->BeginBusy();
+        window->pgbProgress->setRange(0, progressMaximum);
+        window->pgbProgress->setValue(0);
+        window->pgbProgress->show();
+        window->txtProgress->show();
+    }
+}
+
+void ProgressStep(int32_t value)
+{
+    const int32_t held = std::clamp(value, 1, progressMaximum);
+    const bool last = held == progressMaximum;
+    if (!last && Clock::now() - lastPump < pumpInterval) {
+        return;
+    }
+    if (const frmMain* window = MainForm()) {
+        ShowProgress(*window, held);
+        if (Clock::now() - lastPump >= pumpInterval) {
+            PumpEvents();
+            lastPump = Clock::now();
+        }
+    }
+}
+
+void ProgressEnd()
+{
+    if (frmMain* window = MainForm()) {
+        window->pgbProgress->hide();
+        window->txtProgress->hide();
+        window->EndBusy();
+    }
+}
+
+void frmMain::BeginBusy()
+{
+    if (busyDepth++ > 0) {
+        return;
+    }
+    for (const MenuEntry& entry : MenuTable()) {
+        if (!entry.WhileBusy && Entry(entry.Name)->isEnabled()) {
+            heldEntries.push_back(Entry(entry.Name));
+            heldEntries.back()->setEnabled(false);
+        }
+    }
+    if (fraEditing->isAncestorOf(focusWidget())) {
+        heldFocus = focusWidget();
+    }
+    fraEditing->setEnabled(false);
+}
+
+void frmMain::EndBusy()
+{
+    if (--busyDepth > 0) {
+        return;
+    }
+    for (QAction* entry : heldEntries) {
+        entry->setEnabled(true);
+    }
+    heldEntries.clear();
+    fraEditing->setEnabled(true);
+    if (heldFocus != nullptr) {
+        heldFocus->setFocus();
+        heldFocus = nullptr;
+    }
+}
