@@ -25,8 +25,8 @@ constexpr const char* modelFilter = "Morvane Models (*.mvm)|*.mvm|All Files (*.*
 void frmMain::SetCaption(const std::string& filename)
 {
     // The toolkit takes a lone "[*]" in a caption for a mark of its own; a doubled one shows as it stands.
-    setWindowTitle(QString::fromStdString(CaptionFor(filename))
-                       .replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")));
+    setWindowTitle(
+        QString::fromStdString(CaptionFor(filename)).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")));
 }
 
 void frmMain::EnableDocument(bool open, bool revert)
@@ -68,10 +68,9 @@ void frmMain::OpenFile(const std::string& filename)
             ShowInfoLog();
         }
     } else {
-        ShowMessage(BoxIcon::Stop,
-                    "A program error occurred. Please check the file you tried to open for errors.\n"
-                    "However, you can try to save the currently loaded data. Please restart " +
-                        std::string(ProgramTitle) + " before you open any other files.");
+        ShowMessage(BoxIcon::Stop, "A program error occurred. Please check the file you tried to open for errors.\n"
+                                   "However, you can try to save the currently loaded data. Please restart " +
+                                       std::string(ProgramTitle) + " before you open any other files.");
     }
     Redraw(true);
 }

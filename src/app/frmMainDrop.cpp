@@ -45,7 +45,8 @@ void frmMain::dropEvent(QDropEvent* event)
     event->acceptProposedAction();
     if (!path.empty()) {
         // The program that the file came from waits until this event is answered, so the load comes behind it.
-        QMetaObject::invokeMethod(this, [this, path] { DropFile(path); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this, path] { DropFile(path); }, Qt::QueuedConnection);
     }
 }
 

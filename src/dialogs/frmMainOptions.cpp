@@ -29,8 +29,8 @@ void frmMain::mnuOptionsAlias_Click()
 
 void frmMain::mnuOptionsMirrorVertThreshold_Click()
 {
-    MirrorVertexThreshold = ThresholdFromAnswer(
-        AskText("Mirror Vertex Threshold", "New value:", FloatToText(MirrorVertexThreshold)));
+    MirrorVertexThreshold =
+        ThresholdFromAnswer(AskText("Mirror Vertex Threshold", "New value:", FloatToText(MirrorVertexThreshold)));
 }
 
 void frmMain::mnuOptionsMirrorBoneThreshold_Click()

@@ -123,6 +123,10 @@ void frmMain::BuildPanel()
     tabMain->setObjectName(QStringLiteral("tabMain"));
     tabMain->addTab(new QWidget, QStringLiteral("Viewing"));
     tabMain->addTab(new QWidget, QStringLiteral("Editing"));
+    for (int i = 0; i < tabMain->count(); i++) {
+        tabMain->widget(i)->setBackgroundRole(QPalette::Button);
+        tabMain->widget(i)->setAutoFillBackground(true);
+    }
     tabMain->tabBar()->setObjectName(QStringLiteral("tabMainHeadings"));
     tabMain->tabBar()->setFixedHeight(23);
     // The groups below the headings are what the tabs show; the strip itself holds nothing to stop at.
@@ -214,7 +218,8 @@ void frmMain::BuildEditing()
     lstShadowBones->hide();
     lstSkinBones->setGeometry(0, 48, groupWidth, 134);
     lstShadowBones->setGeometry(0, 48, groupWidth, 134);
-    cmdSelectSkinMesh = AddButton(fraEditing, "cmdSelectSkinMesh", "Select Skin Mesh...", QRect(0, 188, groupWidth, 25));
+    cmdSelectSkinMesh =
+        AddButton(fraEditing, "cmdSelectSkinMesh", "Select Skin Mesh...", QRect(0, 188, groupWidth, 25));
     cmdSelectShadowMesh =
         AddButton(fraEditing, "cmdSelectShadowMesh", "Select Shadow Mesh...", QRect(0, 220, groupWidth, 25));
     cmdUnAssign = AddButton(fraEditing, "cmdUnAssign", "Unassign", QRect(0, 252, 79, 25));
@@ -270,11 +275,12 @@ void frmMain::SetAccess()
         toolButtons[i]->setAccessibleName(QString::fromUtf8(tools[i]));
         toolButtons[i]->setToolTip(QStringLiteral("%1 (%2)").arg(QString::fromUtf8(tools[i])).arg(i + 1));
     }
-    const QList<QWidget*> order = {picMain,        tabMain->tabBar(), lstAnimation,   cmdPlay,          cmdStop,
-                                   optShadow[0],   optShadow[1],      lstSkinBones,   lstShadowBones,   cmdSelectSkinMesh,
-                                   cmdSelectShadowMesh, cmdUnAssign,  cmdReAssign,    cmdSwap,          cmdMirror,
-                                   cmdLoadWeights, cmdSaveWeights,    optMode[0],     optMode[1],       optMode[2],
-                                   toolButtons[0], toolButtons[1],    toolButtons[2], toolButtons[3]};
+    const QList<QWidget*> order = {picMain,        tabMain->tabBar(), lstAnimation,        cmdPlay,
+                                   cmdStop,        optShadow[0],      optShadow[1],        lstSkinBones,
+                                   lstShadowBones, cmdSelectSkinMesh, cmdSelectShadowMesh, cmdUnAssign,
+                                   cmdReAssign,    cmdSwap,           cmdMirror,           cmdLoadWeights,
+                                   cmdSaveWeights, optMode[0],        optMode[1],          optMode[2],
+                                   toolButtons[0], toolButtons[1],    toolButtons[2],      toolButtons[3]};
     for (qsizetype i = 1; i < order.size(); i++) {
         setTabOrder(order[i - 1], order[i]);
     }

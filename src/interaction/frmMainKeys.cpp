@@ -1,9 +1,9 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
-#include <QWheelEvent>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QToolButton>
+#include <QWheelEvent>
 
 #include "interaction/frmMain.h"
 #include "interaction/modCamera.h"

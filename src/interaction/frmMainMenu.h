@@ -14,7 +14,7 @@ struct MenuEntry {
     const char* Caption;
     const char* Shortcut;
     EntryStart Start;
-    bool WhileBusy;          ///< may run while a load is under way
+    bool WhileBusy;            ///< may run while a load is under way
     void (*Handler)(frmMain&); ///< null for headings, submenus and separators
 };
 

@@ -44,8 +44,8 @@ PickBox DeviceBox(const PickBox& box, int viewHeight)
 {
     if (box.Width <= 2 || box.Height <= 2) {
         return {static_cast<int32_t>(std::lrintf(static_cast<float>(box.X) * PixelScale)),
-                ViewHeight - static_cast<int32_t>(std::lrintf(static_cast<float>(viewHeight - box.Y) * PixelScale)),
-                1, 1};
+                ViewHeight - static_cast<int32_t>(std::lrintf(static_cast<float>(viewHeight - box.Y) * PixelScale)), 1,
+                1};
     }
     const auto scaled = [](int32_t value) {
         return static_cast<int32_t>(std::lrintf(static_cast<float>(value) * PixelScale));
