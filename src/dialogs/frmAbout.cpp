@@ -57,6 +57,7 @@ void ShowAboutDialog()
     link->setObjectName(QStringLiteral("labLink"));
     link->setAccessibleName(QStringLiteral("Web page"));
     link->setAutoDefault(false);
+    link->setFont(WindowFont()); // a widget with a style of its own does not take its parent's
     link->setCursor(Qt::PointingHandCursor);
     link->setStyleSheet(LinkStyle(dialog.palette()));
     QObject::connect(link, &QPushButton::clicked, [] { OpenWithDesktop(webPage); });
