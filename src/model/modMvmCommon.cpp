@@ -24,6 +24,11 @@ void SkipBlanks(const char** at, const char* end)
     }
 }
 
+bool AtLineEnd(const char* at, const char* end)
+{
+    return at == end || *at == '\r';
+}
+
 /// "(a,b,...)" with numbers that surely fit a float.
 template <size_t Count>
 bool TakeFloats(const char** at, const char* end, std::array<float, Count>* result)
@@ -38,19 +43,27 @@ bool TakeFloats(const char** at, const char* end, std::array<float, Count>* resu
     return Take(at, end, ')');
 }
 
-/// A whole number of at most five digits that fits.
+/// A whole number that fits; false for one that surely does not or that goes on.
 bool TakeInteger(const char** at, const char* end, int16_t* result)
 {
     const char* next = *at;
     const bool negative = Take(&next, end, '-');
     int number = 0;
-    const char* const first = next;
-    while (next != end && *next >= '0' && *next <= '9' && next - first < 5) {
-        number = number * 10 + (*next - '0');
-        ++next;
-    }
-    if (next == first || number > 32767) {
-        return false;
+    if (CanReadDigits(next, end)) {
+        const DigitRun run = ReadDigits(next);
+        if (run.Count == 0 || run.Value > 32767) {
+            return false;
+        }
+        number = static_cast<int>(run.Value);
+        next += run.Count;
+    } else {
+        const char* const first = next;
+        for (; next != end && *next >= '0' && *next <= '9' && number <= 32767; ++next) {
+            number = number * 10 + (*next - '0');
+        }
+        if (next == first || number > 32767) {
+            return false;
+        }
     }
     *result = static_cast<int16_t>(negative ? -number : number);
     *at = next;
@@ -64,51 +77,49 @@ bool TakeIntegers(const char** at, const char* end, std::array<int16_t, 3>* resu
            Take(at, end, ')');
 }
 
-bool ReadVertexLine(const char* at, const char* end, MvmMesh* mesh)
+const char* ReadVertexLine(const char* at, const char* end, MvmMesh* mesh)
 {
     std::array<float, 3> numbers{};
     int16_t joint = 0;
     if (!TakeFloats(&at, end, &numbers)) {
-        return false;
+        return nullptr;
     }
-    if (at != end && !(Take(&at, end, ',') && TakeInteger(&at, end, &joint) && at == end)) {
-        return false;
+    if (!AtLineEnd(at, end) && !(Take(&at, end, ',') && TakeInteger(&at, end, &joint) && AtLineEnd(at, end))) {
+        return nullptr;
     }
     AddVertex({numbers[0], numbers[2], -numbers[1]}, mesh);
     if (mesh->IsSkin) {
         mesh->VertexJoints.Items.back() = joint;
     }
-    return true;
+    return at;
 }
 
-bool ReadFaceLine(const char* at, const char* end, MvmMesh* mesh)
+const char* ReadFaceLine(const char* at, const char* end, MvmMesh* mesh)
 {
     MvmFace face;
     int16_t material = 0;
     if (!TakeIntegers(&at, end, &face.Vertex) || !Take(&at, end, ',') || !TakeIntegers(&at, end, &face.TexCoord) ||
         !Take(&at, end, ',') || !TakeIntegers(&at, end, &face.Normal) || !Take(&at, end, ',') ||
-        !TakeInteger(&at, end, &material) || at != end) {
-        return false;
+        !TakeInteger(&at, end, &material) || !AtLineEnd(at, end)) {
+        return nullptr;
     }
     face.Material = material <= mesh->MeshMaterialCount() ? material : int16_t{0};
     mesh->Faces.Add(face);
-    return true;
+    return at;
 }
 
 } // namespace
 
-bool ReadCommonLine(std::string_view line, MvmMesh* mesh)
+const char* ReadCommonLine(const char* at, const char* end, MvmMesh* mesh)
 {
-    const char* at = line.data();
-    const char* const end = at + line.size();
     SkipBlanks(&at, end);
     if (at == end) {
-        return false;
+        return nullptr;
     }
     const char key = *at++;
     SkipBlanks(&at, end);
     if (!Take(&at, end, '=')) {
-        return false;
+        return nullptr;
     }
     SkipBlanks(&at, end);
     if (key == 'v') {
@@ -118,14 +129,14 @@ bool ReadCommonLine(std::string_view line, MvmMesh* mesh)
         return ReadFaceLine(at, end, mesh);
     }
     std::array<float, 3> normal{};
-    if (key == 'n' && TakeFloats(&at, end, &normal) && at == end) {
+    if (key == 'n' && TakeFloats(&at, end, &normal) && AtLineEnd(at, end)) {
         mesh->Normals.Add({normal[0], normal[2], -normal[1]});
-        return true;
+        return at;
     }
     std::array<float, 2> pair{};
-    if (key == 't' && TakeFloats(&at, end, &pair) && at == end) {
+    if (key == 't' && TakeFloats(&at, end, &pair) && AtLineEnd(at, end)) {
         mesh->TexCoords.Add({pair[0], pair[1]});
-        return true;
+        return at;
     }
-    return false;
+    return nullptr;
 }

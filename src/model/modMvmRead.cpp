@@ -47,9 +47,6 @@ bool ReadLine(std::string_view line, Loading* loading)
         loading->Open = line.find('{') != std::string_view::npos;
         return true;
     }
-    if (loading->Kind == BlockKind::Mesh && ReadCommonLine(line, &Meshes.Items.back())) {
-        return true;
-    }
     loading->Open = line.find('}') == std::string_view::npos;
     return ReadBodyLine(line, loading->Kind, &loading->Scratch, &loading->Failure);
 }
@@ -66,15 +63,21 @@ bool ReadLines(std::string_view bytes, Loading* loading)
     const char* const end = start + bytes.size();
     int32_t shown = -1;
     for (const char* at = start; at != end;) {
-        const void* const found = std::memchr(at, '\r', static_cast<size_t>(end - at));
-        const char* const lineEnd = found != nullptr ? static_cast<const char*>(found) : end;
         ++loading->Line;
-        if (!ReadLine({at, static_cast<size_t>(lineEnd - at)}, loading)) {
-            return false;
+        const char* lineEnd = nullptr;
+        if (loading->Open && loading->Kind == BlockKind::Mesh) {
+            lineEnd = ReadCommonLine(at, end, &Meshes.Items.back());
         }
-        at = lineEnd == end ? end : lineEnd + 1;
-        if (at != end && lineEnd != end && *at == '\n') {
-            ++at;
+        if (lineEnd == nullptr) {
+            const void* const found = std::memchr(at, '\r', static_cast<size_t>(end - at));
+            lineEnd = found != nullptr ? static_cast<const char*>(found) : end;
+            if (!ReadLine({at, static_cast<size_t>(lineEnd - at)}, loading)) {
+                return false;
+            }
+        }
+        at = lineEnd;
+        if (at != end) {
+            at += end - at > 1 && at[1] == '\n' ? 2 : 1;
         }
         const int32_t position = ProgressValue(static_cast<size_t>(at - start)) & ~127;
         if (position != shown) {

@@ -131,11 +131,11 @@ bool WriteAll(int fd, std::string_view bytes)
 /// Reads to the end of a file that was `expected` bytes long when it was opened.
 bool ReadAll(int fd, size_t expected, std::string* bytes, std::string* error)
 {
-    std::string content(expected, '\0');
+    std::string content(expected + 1, '\0'); // room to see the end without growing
     size_t filled = 0;
     for (;;) {
         if (filled == content.size()) {
-            // Room to see the end, or what the file has grown by.
+            // The file has grown meanwhile.
             content.resize(filled + std::clamp<size_t>(filled / 2, 4096, size_t{1} << 20));
         }
         const ssize_t count = StepRead(fd, content.data() + filled, content.size() - filled);

@@ -66,10 +66,13 @@ bool SameAsGeneralRules(const std::string& line, bool isSkin)
 {
     MvmMesh quick = EmptyMesh(isSkin);
     const std::string untouched = Content(quick);
-    if (!ReadCommonLine(line, &quick)) {
+    const char* const end = line.data() + line.size();
+    const char* const reached = ReadCommonLine(line.data(), end, &quick);
+    if (reached == nullptr) {
         EXPECT_EQ(Content(quick), untouched) << line;
         return false;
     }
+    EXPECT_EQ(reached, end) << line;
     MvmMesh plain = EmptyMesh(isSkin);
     const std::string stripped = StripWhitespace(line);
     const size_t equals = stripped.find('=');
@@ -139,7 +142,7 @@ TEST_F(HostileModel, LoadsRandomMutations)
 {
     std::mt19937 random(5);
     const std::string odd = std::string("\0\xFF", 2) + "\r\n{}=\"(), \t0123456789.-eE$";
-    for (int round = 0; round < 3000; ++round) {
+    for (int round = 0; round < 1000; ++round) {
         std::string model = goodModel;
         for (auto changes = random() % 12 + 1; changes > 0; --changes) {
             const size_t place = random() % model.size();
