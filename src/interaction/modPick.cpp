@@ -126,8 +126,7 @@ DepthBlock ReadDepths(const PixelRect& rect)
 float ReadDepth(const DepthBlock& block, int32_t x, int32_t y)
 {
     const auto width = static_cast<size_t>(block.Rect.Right - block.Rect.Left) + 1;
-    const size_t place =
-        static_cast<size_t>(y - block.Rect.Bottom) * width + static_cast<size_t>(x - block.Rect.Left);
+    const size_t place = static_cast<size_t>(y - block.Rect.Bottom) * width + static_cast<size_t>(x - block.Rect.Left);
     const ViewCamera& camera = Cameras[static_cast<size_t>(CurrentCamera)];
     const double range = static_cast<double>(camera.FarPlane) - static_cast<double>(camera.NearPlane);
     return static_cast<float>(static_cast<double>(block.Values[place]) * range);

@@ -7,8 +7,8 @@
 // The OpenGL context of the view and the frame. All functions but InitOpenGL do nothing while there is no context. The
 // context must be current; MakeViewCurrent sees to that outside a paint event.
 
-inline bool GLContext = false;  ///< a context stands
-inline int32_t ViewWidth = 1;   ///< size of the view in device pixels
+inline bool GLContext = false; ///< a context stands
+inline int32_t ViewWidth = 1;  ///< size of the view in device pixels
 inline int32_t ViewHeight = 1;
 inline std::array<uint8_t, 10240> CameraLabels{}; ///< eight images of 80 by 16 bytes, bottom row first
 
