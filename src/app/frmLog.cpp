@@ -3,13 +3,13 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QScreen>
 #include <QTextCursor>
 #include <QTimer>
 #include <QWidget>
 
 #include <algorithm>
-#include <memory>
 
 #include "app/modApp.h"
 #include "app/modStatus.h"
@@ -38,7 +38,7 @@ private:
     bool shownBefore = false;
 };
 
-std::unique_ptr<LogWindow> logWindow;
+QPointer<LogWindow> logWindow;
 
 LogWindow::LogWindow() : txtLog(new QPlainTextEdit(this))
 {
@@ -132,8 +132,8 @@ void LogWindow::resizeEvent(QResizeEvent* event)
 
 LogWindow& TheLog()
 {
-    if (!logWindow) {
-        logWindow = std::make_unique<LogWindow>();
+    if (logWindow.isNull()) {
+        logWindow = new LogWindow;
     }
     return *logWindow;
 }
@@ -154,19 +154,19 @@ void ShowInfoLog()
 
 bool IsInfoLogVisible()
 {
-    return logWindow && logWindow->isVisible();
+    return !logWindow.isNull() && logWindow->isVisible();
 }
 
 void HideInfoLog()
 {
-    if (logWindow) {
+    if (!logWindow.isNull()) {
         logWindow->hide();
     }
 }
 
 void ClearInfoLog()
 {
-    if (logWindow) {
+    if (!logWindow.isNull()) {
         logWindow->Clear();
     }
 }
@@ -180,5 +180,5 @@ void FocusInfoLog()
 
 void CloseInfoLog()
 {
-    logWindow.reset();
+    delete logWindow;
 }

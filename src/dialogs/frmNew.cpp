@@ -5,9 +5,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPointer>
 #include <QPushButton>
-
-#include <memory>
 
 #include "app/modMvmDef.h"
 #include "app/modStatus.h"
@@ -45,7 +44,7 @@ private:
     bool cancelled = false; ///< closed while it was loading
 };
 
-std::unique_ptr<NewDialog> newDialog;
+QPointer<NewDialog> newDialog;
 
 template <typename Widget>
 Widget* Place(QWidget* parent, const char* name, const char* caption, const QRect& place)
@@ -195,20 +194,20 @@ void NewDialog::reject()
 
 bool ShowNewDialog()
 {
-    if (!newDialog) {
-        newDialog = std::make_unique<NewDialog>(MainWindow);
+    if (newDialog.isNull()) {
+        newDialog = new NewDialog(MainWindow);
         newDialog->ListPresets();
     }
     newDialog->Keep = false;
     newDialog->exec();
     const bool loaded = newDialog->Loaded;
     if (!newDialog->Keep) {
-        newDialog.reset();
+        delete newDialog;
     }
     return loaded;
 }
 
 void ForgetNewDialog()
 {
-    newDialog.reset();
+    delete newDialog;
 }

@@ -18,6 +18,7 @@
 #include "dialogs/frmAbout.h"
 #include "dialogs/frmGLInfo.h"
 #include "dialogs/frmNew.h"
+#include "interaction/frmMain.h"
 #include "platform/modFiles.h"
 #include "platform/qt/modFit.h"
 #include "ui/dialog_steps.h"
@@ -416,6 +417,7 @@ TEST_F(NewModel, LoadsPresetAndModelIntoOneScene)
 
 TEST_F(NewModel, ClosingItDuringALoadStopsTheLoadWithoutAWord)
 {
+    const frmMain window; // it serves the events of a load
     std::ofstream preset(PresetPath, std::ios::app);
     preset << "mesh \"long\"\r\n{\r\n";
     for (int line = 0; line < 400'000; ++line) {
