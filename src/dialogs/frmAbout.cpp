@@ -30,7 +30,7 @@ QString LinkStyle(const QPalette& palette)
 {
     const bool dark = palette.color(QPalette::Window).lightness() < 128;
     return QStringLiteral("QPushButton { color: #0000ff; background-color: %1; border: 1px solid transparent;"
-                          " padding: 1px 2px; text-decoration: underline; }"
+                          " padding: 1px 0px; text-decoration: underline; }"
                           "QPushButton:hover { color: #ff0000; }"
                           "QPushButton:focus { border: 1px dotted %2; }")
         .arg(QLatin1String(dark ? "#ffffff" : "transparent"), QLatin1String(dark ? "#000000" : "#404040"));
@@ -56,7 +56,6 @@ void ShowAboutDialog()
     auto* link = new QPushButton(QLatin1String(webPage));
     link->setObjectName(QStringLiteral("labLink"));
     link->setAccessibleName(QStringLiteral("Web page"));
-    link->setAutoDefault(false);
     link->setFont(WindowFont()); // a widget with a style of its own does not take its parent's
     link->setCursor(Qt::PointingHandCursor);
     link->setStyleSheet(LinkStyle(dialog.palette()));

@@ -81,7 +81,6 @@ NewDialog::NewDialog(QWidget* owner)
     lstPresets->setAccessibleName(label1->text());
     cmdOK->setEnabled(false);
     cmdOK->setDefault(true);
-    cmdBrowse->setAutoDefault(false);
     cmdBrowse->setFocus();
 
     connect(cmdBrowse, &QPushButton::clicked, this, [this] { Browse(); });

@@ -339,6 +339,27 @@ TEST_F(NewModel, HasItsPlacesAndCaptionsThatFit)
     EXPECT_FALSE(ShowNewDialog());
 }
 
+TEST_F(NewModel, CanBeWalkedThroughByKeys)
+{
+    const DialogSteps steps({[](QDialog* dialog) {
+                                 QTest::keyClick(Part<QPushButton>(dialog, "cmdBrowse"), Qt::Key_Return);
+                                 QStringList order;
+                                 for (int step = 0; step < 4; ++step) {
+                                     order += dialog->focusWidget()->objectName();
+                                     QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
+                                 }
+                                 EXPECT_EQ(order.join(u' '), QStringLiteral("cmdBrowse txtModel lstPresets cmdCancel"));
+                                 auto* list = Part<QListWidget>(dialog, "lstPresets");
+                                 list->setFocus();
+                                 QTest::keyClick(list, Qt::Key_Down);
+                                 EXPECT_FALSE(list->selectedItems().isEmpty());
+                                 EXPECT_TRUE(CanGo(dialog));
+                                 QTest::keyClick(list, Qt::Key_Escape);
+                             },
+                             TypeModel("skin.mvm")});
+    EXPECT_FALSE(ShowNewDialog());
+}
+
 TEST_F(NewModel, NeedsAPresetAndAModelInEitherOrder)
 {
     for (const bool presetFirst : {true, false}) {
