@@ -1,7 +1,6 @@
 #include "model/modMvmWrite.h"
 
 #include <array>
-#include <charconv>
 #include <cstdint>
 #include <cstring>
 #include <exception>
@@ -9,6 +8,7 @@
 #include <string_view>
 
 #include "app/modMvmDef.h"
+#include "model/modNumbers.h"
 #include "model/modStrings.h"
 #include "platform/modDialogs.h"
 #include "platform/modFiles.h"
@@ -27,7 +27,7 @@ struct Line {
     }
     void Add(char c) { *End++ = c; }
     void Add(float value) { End = FloatToChars(value, End); }
-    void Add(int16_t value) { End = std::to_chars(End, Text.data() + Text.size(), value).ptr; }
+    void Add(int16_t value) { End = Int16ToChars(value, End); }
 
     /// "(x,y,z)" in file axes.
     void Add(const Vec3& value)

@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <system_error>
 
@@ -60,37 +61,49 @@ int64_t TakeExponent(NumberText* text)
     return negative ? -exponent : exponent;
 }
 
-/// Writes the seven digits (first one not 0) as first.rest times 10^exponent, for exponents from -4 to 6.
+/// "00" to "99".
+constexpr std::array<char, 200> digitPairs = [] {
+    std::array<char, 200> pairs{};
+    for (size_t number = 0; number < 100; ++number) {
+        pairs[2 * number] = static_cast<char>('0' + number / 10);
+        pairs[2 * number + 1] = static_cast<char>('0' + number % 10);
+    }
+    return pairs;
+}();
+
+/// Writes a number below 100,000,000 as eight digits.
+void WriteEightDigits(uint32_t number, char* to)
+{
+    const uint32_t high = number / 10'000;
+    const uint32_t low = number % 10'000;
+    std::memcpy(to, &digitPairs[size_t{2} * (high / 100)], 2);
+    std::memcpy(to + 2, &digitPairs[size_t{2} * (high % 100)], 2);
+    std::memcpy(to + 4, &digitPairs[size_t{2} * (low / 100)], 2);
+    std::memcpy(to + 6, &digitPairs[size_t{2} * (low % 100)], 2);
+}
+
+/// Writes seven digits (the first one not 0) as first.rest times 10^exponent, for exponents from -4 to 6, without zeros at
+/// the end. Uses up to 16 characters of `to`.
 char* WriteDecimal(uint32_t digits, int exponent, char* to)
 {
-    std::array<char, 7> text{};
-    for (size_t place = text.size(); place-- > 0;) {
-        text[place] = static_cast<char>('0' + digits % 10);
-        digits /= 10;
-    }
-    int used = 7;
-    while (used > 1 && text[static_cast<size_t>(used) - 1] == '0') {
-        --used;
-    }
-    int next = 0;
+    std::array<char, 8> text{}; // text[0] is a "0" in front
+    WriteEightDigits(digits, text.data());
     if (exponent < 0) {
-        *to++ = '0';
-        *to++ = '.';
-        for (int zero = -1; zero > exponent; --zero) {
-            *to++ = '0';
-        }
+        std::memcpy(to, "0.000", 5);
+        to += 1 - exponent;
+        std::memcpy(to, &text[1], 7);
+        to += 7;
     } else {
-        for (; next <= exponent; ++next) {
-            *to++ = text[static_cast<size_t>(next)];
-        }
-        if (next < used) {
-            *to++ = '.';
-        }
+        const auto whole = static_cast<size_t>(exponent) + 1;
+        std::memcpy(to, &text[1], 7);
+        std::memmove(to + whole + 1, to + whole, 7 - whole);
+        to[whole] = '.';
+        to += 8;
     }
-    for (; next < used; ++next) {
-        *to++ = text[static_cast<size_t>(next)];
+    while (to[-1] == '0') {
+        --to;
     }
-    return to;
+    return to[-1] == '.' ? to - 1 : to;
 }
 
 /// The usual magnitudes by one multiplication. Gives nullptr when its error could decide the last digit.
@@ -215,6 +228,20 @@ bool RoundToInt32(double value, int32_t* result)
     }
     *result = static_cast<int32_t>(rounded);
     return true;
+}
+
+char* Int16ToChars(int16_t value, char* to)
+{
+    int size = value;
+    if (size < 0) {
+        *to++ = '-';
+        size = -size;
+    }
+    std::array<char, 13> text{}; // what is copied behind the digits does not count
+    WriteEightDigits(static_cast<uint32_t>(size), text.data());
+    const int count = size >= 10'000 ? 5 : size >= 1'000 ? 4 : size >= 100 ? 3 : size >= 10 ? 2 : 1;
+    std::memcpy(to, &text[static_cast<size_t>(8 - count)], 5);
+    return to + count;
 }
 
 char* FloatToChars(float value, char* to)

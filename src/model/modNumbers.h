@@ -89,3 +89,6 @@ inline bool PlainNumber(const char** at, const char* end, double* result)
     *at = next;
     return true;
 }
+
+/// Plain decimal text; `to` has room for 6 characters. Gives the end.
+char* Int16ToChars(int16_t value, char* to);

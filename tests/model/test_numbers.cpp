@@ -1,10 +1,11 @@
+#include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <limits>
 #include <random>
+#include <string>
 
 #include "model/modNumbers.h"
 #include "model/modStrings.h"
@@ -261,5 +262,14 @@ TEST(FloatToText, IsTheRoundedDecimalOfAnyFloat)
         for (const float value : {std::nextafter(power, 0.0F), power, std::nextafter(power, 1e30F)}) {
             EXPECT_EQ(FloatToText(value), PlainFloatText(value));
         }
+    }
+}
+
+TEST(Int16ToChars, WritesEveryNumber)
+{
+    for (int number = -32768; number <= 32767; ++number) {
+        std::array<char, 8> text{};
+        const char* const end = Int16ToChars(static_cast<int16_t>(number), text.data());
+        ASSERT_EQ(std::string(text.data(), end), std::to_string(number));
     }
 }
