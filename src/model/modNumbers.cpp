@@ -89,7 +89,8 @@ char* WriteDecimal(uint32_t digits, int exponent, char* to)
     std::array<char, 8> text{}; // text[0] is a "0" in front
     WriteEightDigits(digits, text.data());
     if (exponent < 0) {
-        std::memcpy(to, "0.000", 5);
+        constexpr std::string_view zeros = "0.000";
+        std::memcpy(to, zeros.data(), zeros.size());
         to += 1 - exponent;
         std::memcpy(to, &text[1], 7);
         to += 7;

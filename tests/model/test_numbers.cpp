@@ -269,7 +269,7 @@ TEST(Int16ToChars, WritesEveryNumber)
 {
     for (int number = -32768; number <= 32767; ++number) {
         std::array<char, 8> text{};
-        const char* const end = Int16ToChars(static_cast<int16_t>(number), text.data());
+        char* const end = Int16ToChars(static_cast<int16_t>(number), text.data());
         ASSERT_EQ(std::string(text.data(), end), std::to_string(number));
     }
 }
