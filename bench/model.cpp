@@ -1,0 +1,210 @@
+// Reading and writing the largest model, beside general readers and a naive writer.
+
+#include <assimp/Importer.hpp>
+#include <assimp/scene.h>
+#include <benchmark/benchmark.h>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <tiny_obj_loader.h>
+
+#include "bench.h"
+#include "generate.h"
+#include "model/modMvmRead.h"
+#include "model/modMvmWrite.h"
+#include "platform/modFiles.h"
+
+namespace {
+
+struct Texts {
+    std::string Model, ModelPath, Obj, ObjPath;
+};
+
+const Texts& LargestModel()
+{
+    static const Texts texts = [] {
+        Texts made;
+        FillScene(20, 300, 8, true);
+        made.Model = ModelText();
+        made.Obj = SceneAsObj();
+        ResetScene();
+        made.ModelPath = TemporaryFile("largest.mvm", made.Model);
+        made.ObjPath = TemporaryFile("largest.obj", made.Obj);
+        return made;
+    }();
+    return texts;
+}
+
+void SetBytes(benchmark::State& state, const std::string& text)
+{
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(text.size()));
+}
+
+void Load(benchmark::State& state)
+{
+    const Texts& texts = LargestModel();
+    for (auto _ : state) {
+        ResetScene();
+        if (!LoadMVM(texts.ModelPath)) {
+            state.SkipWithError("the model does not load");
+        }
+    }
+    SetBytes(state, texts.Model);
+    ResetScene();
+}
+
+void LoadAssimp(benchmark::State& state)
+{
+    const Texts& texts = LargestModel();
+    for (auto _ : state) {
+        Assimp::Importer importer;
+        benchmark::DoNotOptimize(importer.ReadFile(texts.ObjPath, 0));
+    }
+    SetBytes(state, texts.Obj);
+}
+
+void LoadTinyObj(benchmark::State& state)
+{
+    const Texts& texts = LargestModel();
+    for (auto _ : state) {
+        tinyobj::attrib_t attributes;
+        std::vector<tinyobj::shape_t> shapes;
+        std::vector<tinyobj::material_t> materials;
+        std::string warning;
+        std::string error;
+        benchmark::DoNotOptimize(
+            tinyobj::LoadObj(&attributes, &shapes, &materials, &warning, &error, texts.ObjPath.c_str()));
+    }
+    SetBytes(state, texts.Obj);
+}
+
+void SplitLines(benchmark::State& state)
+{
+    const Texts& texts = LargestModel();
+    for (auto _ : state) {
+        std::string bytes;
+        std::string error;
+        if (!ReadFile(texts.ModelPath, &bytes, &error)) {
+            state.SkipWithError(error.c_str());
+        }
+        int64_t lines = 0;
+        const char* end = bytes.data() + bytes.size();
+        for (const char* from = bytes.data(); from < end; ++lines) {
+            const void* stop = std::memchr(from, '\r', static_cast<size_t>(end - from));
+            from = stop != nullptr ? static_cast<const char*>(stop) + 1 : end;
+        }
+        benchmark::DoNotOptimize(lines);
+    }
+    SetBytes(state, texts.Model);
+}
+
+void Write(benchmark::State& state)
+{
+    FillScene(20, 300, 8, true);
+    const std::string path = TemporaryFile("written.mvm", "");
+    for (auto _ : state) {
+        if (!WriteMVM(path)) {
+            state.SkipWithError("the model is not written");
+        }
+    }
+    ResetScene();
+    std::filesystem::remove(path);
+}
+
+std::string Printed(float value)
+{
+    char text[40];
+    std::snprintf(text, sizeof text, "%.7g", static_cast<double>(value));
+    return text;
+}
+
+std::string Printed(const Vec3& v)
+{
+    return "(" + Printed(v.X) + "," + Printed(-v.Z) + "," + Printed(v.Y) + ")";
+}
+
+void WriteStreams(benchmark::State& state)
+{
+    FillScene(20, 300, 8, true);
+    const std::string path = TemporaryFile("streamed.mvm", "");
+    for (auto _ : state) {
+        std::ofstream file(path, std::ios::binary);
+        file << "fileinfo\r\n{\r\n formatversion = 1.0.2\r\n}\r\n\r\n";
+        for (const MvmBone& bone : Bones) {
+            file << "bone \"" << bone.Name << "\"\r\n{\r\n position = " << Printed(bone.Position)
+                 << "\r\n rotation = " << Printed(bone.Rotation) << "\r\n}\r\n\r\n";
+        }
+        for (const MvmMesh& mesh : Meshes) {
+            file << "skin \"" << mesh.Name << "\"\r\n{\r\n";
+            for (int32_t i = 1; i <= mesh.VertexCount(); ++i) {
+                file << " v = " << Printed(mesh.Vertices[i]) << "," << mesh.VertexBones[i] << "\r\n";
+            }
+            for (const Vec2& t : mesh.TexCoords) {
+                file << " t = (" << Printed(t.U) << "," << Printed(t.V) << ")\r\n";
+            }
+            for (const Vec3& n : mesh.Normals) {
+                file << " n = " << Printed(n) << "\r\n";
+            }
+            for (const MvmFace& f : mesh.Faces) {
+                file << " f = (" << f.Vertex[0] << "," << f.Vertex[1] << "," << f.Vertex[2] << "),(" << f.TexCoord[0]
+                     << "," << f.TexCoord[1] << "," << f.TexCoord[2] << "),(" << f.Normal[0] << "," << f.Normal[1]
+                     << "," << f.Normal[2] << ")," << f.Material << "\r\n";
+            }
+            file << "}\r\n\r\n";
+        }
+    }
+    ResetScene();
+    std::filesystem::remove(path);
+}
+
+void LoadText(benchmark::State& state, const std::string& path)
+{
+    for (auto _ : state) {
+        ResetScene();
+        benchmark::DoNotOptimize(LoadMVM(path));
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(std::filesystem::file_size(path)));
+    ResetScene();
+    std::filesystem::remove(path);
+}
+
+} // namespace
+
+void RegisterModelCases()
+{
+    const auto add = [](const char* name, void (*function)(benchmark::State&), int iterations) {
+        benchmark::RegisterBenchmark(name, function)->Iterations(iterations)->Unit(benchmark::kMillisecond);
+    };
+    add("load", Load, 5);
+    add("load/assimp", LoadAssimp, 1);
+    add("load/tinyobj", LoadTinyObj, 2);
+    add("load/lines", SplitLines, 10);
+    add("write", Write, 3);
+    add("write/streams", WriteStreams, 1);
+    const std::string part(1 << 16, 'x');
+    std::string line = "bone \"a\"\r\n{\r\n ";
+    while (line.size() < (1U << 20)) {
+        line += part;
+    }
+    benchmark::RegisterBenchmark("load a line of a megabyte", LoadText,
+                                 TemporaryFile("line.mvm", line + "\r\n}\r\n"))
+        ->Iterations(5)
+        ->Unit(benchmark::kMillisecond);
+    std::string blocks;
+    for (int i = 0; i < 1000000; ++i) {
+        blocks += "bone \"a\"\r\n{\r\n}\r\n";
+    }
+    benchmark::RegisterBenchmark("load a million empty blocks", LoadText, TemporaryFile("blocks.mvm", blocks))
+        ->Iterations(2)
+        ->Unit(benchmark::kMillisecond);
+
+    BenchRows.push_back({"load, largest model, MB/s against Assimp", "load", "load/assimp", 10, false, true});
+    BenchRows.push_back({"load, largest model, MB/s against tinyobjloader", "load", "load/tinyobj", 5, false, true});
+    BenchRows.push_back({"load, largest model, against splitting lines", "load", "load/lines", 15, true, true});
+    BenchRows.push_back({"write, largest model, against streams", "write", "write/streams", 5});
+    BenchRows.push_back({"load a line of a megabyte, against the largest model", "load a line of a megabyte", "load", 3,
+                         true, true});
+    BenchRows.push_back({"load a million empty blocks, against the largest model", "load a million empty blocks",
+                         "load", 15, true, true});
+}
