@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 namespace {
 
@@ -272,8 +273,8 @@ float LargestWithin(float limit, float tolerance)
         low = -end;
         high = end;
     }
-    while (high - low > 1) {
-        const int32_t middle = low + (high - low) / 2;
+    while (low + 1 < high) {
+        const int32_t middle = std::midpoint(low, high); // the difference of both can pass 32 bits
         (passes(middle) ? low : high) = middle;
     }
     return FloatOf(low);

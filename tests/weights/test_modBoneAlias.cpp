@@ -1,0 +1,163 @@
+#include "weights/modBoneAlias.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+#include <unistd.h>
+
+#include "app/modMvmDef.h"
+#include "app/modStatus.h"
+#include "support/scripted.h"
+
+namespace {
+
+class Aliases : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        scripted::Reset();
+        folder = std::filesystem::temp_directory_path() / ("Aliases-" + std::to_string(getpid()));
+        std::filesystem::create_directories(folder);
+        scripted::Folder = folder.string();
+    }
+    void TearDown() override
+    {
+        scripted::Reset();
+        std::filesystem::remove_all(folder);
+    }
+    void Write(const std::string& name, const std::string& bytes) const
+    {
+        std::filesystem::create_directories(folder / "alias");
+        std::ofstream(folder / "alias" / name, std::ios::binary) << bytes;
+    }
+    std::filesystem::path folder;
+};
+
+TEST_F(Aliases, MissingFolderIsAWarning)
+{
+    LoadAlias();
+    ASSERT_EQ(scripted::Messages.size(), 1U);
+    std::string lower = scripted::Folder;
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; });
+    EXPECT_EQ(scripted::Messages[0].Text, "Folder \"" + lower + "\\alias\" does not exist.\nCannot find alias files.");
+    EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Warning);
+    EXPECT_TRUE(AliasesOn);
+}
+
+TEST_F(Aliases, ReadsLinesOfFiveFields)
+{
+    Write("Hide\xC3\xA9.ALIAS", "a; Label ;b;c;2.5x\r\n\r\n;;;;\rfour;;;\nsix;;;;;\r\n1;2;3;4;5");
+    Write("other.txt", "no alias file");
+    LoadAlias();
+    ASSERT_EQ(AliasFileCount(), 1);
+    const BoneAliasFile& file = AliasFiles[1];
+    EXPECT_EQ(file.Name, "Hide\xE9");
+    ASSERT_EQ(file.EntryCount(), 3);
+    EXPECT_EQ(file.Entries[1].Alias, " Label ");
+    EXPECT_EQ(file.Entries[1].Link, "b");
+    EXPECT_EQ(file.Entries[1].Mirror, "c");
+    EXPECT_EQ(file.Entries[1].Number, 2.5F);
+    EXPECT_EQ(file.Entries[2].Bone, "");
+    EXPECT_EQ(file.Entries[3].Number, 5);
+    const std::string start = "Invalid line in alias \"" + file.Path + "\" on line ";
+    EXPECT_EQ(scripted::Log, (std::vector<std::string>{start + "4.", start + "5."}));
+    EXPECT_EQ(scripted::LogShown, 1);
+    EXPECT_TRUE(scripted::Messages.empty());
+}
+
+TEST_F(Aliases, HostileFilesStayHarmless)
+{
+    std::string many;
+    for (int i = 0; i < 40000; ++i) {
+        many += ";;;;\n";
+    }
+    Write("many.alias", many);
+    LoadAlias();
+    EXPECT_EQ(AliasFiles[1].EntryCount(), 32767);
+    EXPECT_EQ(scripted::Log.size(), 1U);
+    FreeAliases();
+    EXPECT_EQ(AliasFileCount(), 0);
+    std::filesystem::remove(folder / "alias" / "many.alias");
+    Write("large.alias", "a;b;c;d;1E39\n");
+    LoadAlias();
+    ASSERT_EQ(scripted::Messages.size(), 1U);
+    EXPECT_TRUE(scripted::Messages[0].Text.starts_with("Runtime error in LoadAlias\n"));
+    EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Stop);
+}
+
+/// The plain loops over entries and bones.
+void ApplyPlainly(const BoneAliasFile& file, Array1<MvmBone>* bones)
+{
+    for (const BoneAliasEntry& entry : file.Entries) {
+        for (MvmBone& bone : *bones) {
+            if (bone.Name != entry.Bone) {
+                continue;
+            }
+            bone.Alias = entry.Alias;
+            for (int16_t k = 1; k <= bones->Count(); ++k) {
+                bone.LinkBone = !entry.Link.empty() && entry.Link == (*bones)[k].Name ? k : bone.LinkBone;
+                bone.MirrorBone = !entry.Mirror.empty() && entry.Mirror == (*bones)[k].Name ? k : bone.MirrorBone;
+            }
+        }
+    }
+}
+
+TEST_F(Aliases, ApplyingEqualsThePlainLoops)
+{
+    const std::vector<std::string> names = {"", "a", "b", "c", "d", "e", "A"};
+    for (unsigned seed = 0; seed < 100; ++seed) {
+        scripted::Reset();
+        std::mt19937 random(seed);
+        const auto name = [&] { return names[random() % names.size()]; };
+        for (unsigned b = 0; b < random() % 12; ++b) {
+            MvmBone& bone = Bones.Add();
+            bone.Name = name();
+            bone.LinkBone = static_cast<int16_t>(random() % 3);
+        }
+        BoneAliasFile& file = AliasFiles.Add({"", "Hide", {}});
+        for (unsigned e = 0; e < random() % 12; ++e) {
+            file.Entries.Add({name(), name(), name(), name()});
+        }
+        Array1<MvmBone> expected = Bones;
+        ApplyPlainly(file, &expected);
+        ApplyAlias(1);
+        for (int32_t b = 1; b <= BoneCount(); ++b) {
+            ASSERT_EQ(Bones[b].Alias, expected[b].Alias) << "seed " << seed;
+            ASSERT_EQ(Bones[b].LinkBone, expected[b].LinkBone) << "seed " << seed;
+            ASSERT_EQ(Bones[b].MirrorBone, expected[b].MirrorBone) << "seed " << seed;
+        }
+    }
+}
+
+TEST_F(Aliases, FilesServeMeshesOfExactlyTheirName)
+{
+    for (const char* name : {"Hide", "Shade"}) {
+        Bones.Add().Name = name;
+        Meshes.Add().Name = name;
+        AliasFiles.Add({"", name, {}}).Entries.Add({name, "Label", "Hide", "Shade"});
+    }
+    AliasFiles.Add({"", "hide", {}}).Entries.Add({"Hide", "Wrong", "", ""});
+    ApplyAliases();
+    EXPECT_EQ(Bones[1].Alias, "");
+    SkinMesh = 1;
+    ShadowMesh = 2;
+    ActiveBone = 1;
+    AliasesOn = false;
+    ApplyAliases();
+    EXPECT_EQ(Bones[1].Alias, "Label");
+    EXPECT_EQ(Bones[2].LinkBone, 1);
+    EXPECT_EQ(Bones[2].MirrorBone, 2);
+    EXPECT_EQ(ActiveBone, 0);
+    EXPECT_EQ(scripted::Redraws, 2) << "the lists are filled once for each file";
+    ClearBoneAliases();
+    EXPECT_EQ(Bones[2].Alias, "");
+    EXPECT_EQ(Bones[2].LinkBone, 0);
+    EXPECT_EQ(Bones[2].MirrorBone, 0);
+}
+
+} // namespace

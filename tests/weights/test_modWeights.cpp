@@ -1,0 +1,267 @@
+#include "weights/modWeights.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <filesystem>
+#include <string>
+
+#include <unistd.h>
+
+#include "app/modStatus.h"
+#include "platform/modFiles.h"
+#include "support/scripted.h"
+#include "weights/shapes.h"
+
+namespace {
+
+const std::string incompatible =
+    "File version is not compatible with this version of Beastwright.\r\nChoosing \"Yes\" may "
+    "cause Beastwright to become unstable.\r\n\r\nWould you like to try anyway?";
+const std::string otherBones =
+    "Number of bones in the weight information file do not match loaded number of bones.\nWould "
+    "you like to continue?";
+const std::string otherName =
+    "Name of current mesh does not match weight information file.\nWould you like to continue?";
+const std::string otherCount =
+    "Number of vertices of current mesh does not match weight information file.\nWould you like "
+    "to continue?";
+
+class Weights : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        scripted::Reset();
+        folder = std::filesystem::temp_directory_path() / ("weights-" + std::to_string(getpid()));
+        std::filesystem::create_directories(folder);
+        file = (folder / "a.wif").string();
+    }
+    void TearDown() override
+    {
+        scripted::Reset();
+        std::filesystem::remove_all(folder);
+    }
+    void Write(const std::string& bytes)
+    {
+        std::string error;
+        ASSERT_TRUE(ReplaceFile(file, bytes, &error)) << error;
+    }
+    std::string Read()
+    {
+        std::string bytes;
+        std::string error;
+        EXPECT_TRUE(ReadFile(file, &bytes, &error)) << error;
+        return bytes;
+    }
+    static MvmMesh& AddMesh(const std::vector<Vec3>& places, const std::vector<int16_t>& bones, int boneCount)
+    {
+        for (int b = 0; b < boneCount; ++b) {
+            Bones.Add();
+        }
+        MvmMesh& mesh = Meshes.Add();
+        mesh.Name = "Hide";
+        mesh.IsSkin = true;
+        mesh.Vertices.Items = places;
+        mesh.VertexBones.Items = bones;
+        return mesh;
+    }
+    std::filesystem::path folder;
+    std::string file;
+};
+
+TEST_F(Weights, WritesEachByteInItsPlace)
+{
+    AddMesh({{1, -2, 0.5F}}, {0x0102}, 3);
+    SaveWeights(file, 1);
+    const std::string expected("BWRT\0\0\2\0\7\0\3\0Hide                    \1\0\0\0"
+                               "\0\0\x80\x3F\0\0\0\xC0\0\0\0\x3F\2\1",
+                               54);
+    EXPECT_EQ(Read(), expected);
+    ASSERT_EQ(scripted::Messages.size(), 1U);
+    EXPECT_EQ(scripted::Messages[0].Text, "File saved.");
+    EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Information);
+    EXPECT_EQ(scripted::Redraws, 1);
+    Meshes[1].Name = "A name of more than 24 characters";
+    SaveWeights(file, 1);
+    EXPECT_EQ(Read().substr(12, 24), "A name of more than 24 c");
+}
+
+TEST_F(Weights, FailedSaveKeepsTheOldFile)
+{
+    Write("old");
+    AddMesh({{1, 2, 3}}, {0}, 0);
+    for (const bool after : {false, true}) {
+        int fail = 1;
+        for (;; ++fail) {
+            scripted::Messages.clear();
+            scripted::Steps = 0;
+            scripted::FailAt = fail;
+            scripted::FailAfter = after;
+            SaveWeights(file, 1);
+            scripted::FailAt = 0;
+            ASSERT_EQ(scripted::Messages.size(), 1U);
+            if (scripted::Messages[0].Text == "File saved.") {
+                break;
+            }
+            EXPECT_TRUE(scripted::Messages[0].Text.starts_with("Runtime error in SaveWeights\n"));
+            EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Stop);
+            EXPECT_EQ(Read(), "old");
+        }
+        EXPECT_GT(fail, 3);
+        EXPECT_EQ(Read().size(), 54U);
+        Write("old");
+    }
+    scripted::Messages.clear();
+    Bones.Items.resize(32768);
+    SaveWeights(file, 1);
+    EXPECT_TRUE(scripted::Messages.at(0).Text.starts_with("Runtime error in SaveWeights\n"));
+    EXPECT_EQ(Read(), "old");
+}
+
+TEST_F(Weights, AsksEachQuestionInOrder)
+{
+    AddMesh({{1, 2, 3}}, {1}, 1);
+    SaveWeights(file, 1);
+    const std::string good = Read();
+    std::string all = good;
+    all[4] = 9;
+    all[10] = 2;
+    all[12] = 'X';
+    all[36] = 2;
+    const std::vector<std::string> questions = {incompatible, otherBones, otherName, otherCount};
+    for (size_t yes = 0; yes <= questions.size(); ++yes) {
+        for (const BoxAnswer refusal : {BoxAnswer::No, BoxAnswer::Cancel}) {
+            Write(all);
+            scripted::Questions.clear();
+            scripted::Answers.assign(yes, BoxAnswer::Yes);
+            scripted::Answers.push_back(refusal);
+            scripted::AssignModes = {1};
+            Meshes[1].VertexBones[1] = 0;
+            LoadWeights(file, 1);
+            ASSERT_EQ(scripted::Questions.size(), std::min(yes + 1, questions.size()));
+            for (size_t i = 0; i < scripted::Questions.size(); ++i) {
+                EXPECT_EQ(scripted::Questions[i].Text, questions[i]);
+                EXPECT_EQ(scripted::Questions[i].Icon, BoxIcon::Warning);
+            }
+            EXPECT_EQ(Meshes[1].VertexBones[1], yes == questions.size() ? 1 : 0);
+        }
+    }
+    scripted::Questions.clear();
+    Write(good);
+    scripted::AssignModes = {1};
+    LoadWeights(file, 1);
+    EXPECT_TRUE(scripted::Questions.empty());
+    for (const std::string& name : {std::string("Hide "), std::string("A name of more than 24 characters")}) {
+        Meshes[1].Name = name;
+        SaveWeights(file, 1);
+        scripted::Questions.clear();
+        LoadWeights(file, 1);
+        ASSERT_EQ(scripted::Questions.size(), 1U) << name;
+        EXPECT_EQ(scripted::Questions[0].Text, otherName);
+    }
+}
+
+TEST_F(Weights, RefusesForeignAndCutFiles)
+{
+    AddMesh({{1, 2, 3}}, {1}, 1);
+    SaveWeights(file, 1);
+    const std::string good = Read();
+    scripted::Messages.clear();
+    for (size_t size = 0; size < 40; ++size) {
+        Write(good.substr(0, size));
+        LoadWeights(file, 1);
+    }
+    ASSERT_EQ(scripted::Messages.size(), 40U);
+    for (const scripted::Box& box : scripted::Messages) {
+        EXPECT_TRUE(box.Text.starts_with("Runtime error in LoadWeights\n"));
+        EXPECT_EQ(box.Icon, BoxIcon::Stop);
+    }
+    scripted::Messages.clear();
+    Write("bWRT" + good.substr(4));
+    LoadWeights(file, 1);
+    ASSERT_EQ(scripted::Messages.size(), 1U);
+    EXPECT_EQ(scripted::Messages[0].Text, "File is not an weight information file.");
+    LoadWeights(folder.string(), 1);
+    EXPECT_TRUE(scripted::Messages.at(1).Text.starts_with("Runtime error in LoadWeights\n"));
+    LoadWeights(file, 2);
+    EXPECT_EQ(scripted::Messages.size(), 2U);
+    EXPECT_TRUE(scripted::Questions.empty());
+}
+
+TEST_F(Weights, RecordsOutsideAndCutRecordsLeaveVerticesAlone)
+{
+    const std::vector<Vec3> places = {{1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {4, 0, 0}, {5, 0, 0}};
+    AddMesh(places, {0, 2, -1, 3, 1}, 3);
+    SaveWeights(file, 1);
+    const std::string bytes = Read();
+    Bones.Items.resize(2);
+    for (const int mode : {1, 2}) {
+        Write(bytes.substr(0, bytes.size() - 1));
+        Meshes[1].VertexBones.Items = {1, 1, 1, 1, 2};
+        scripted::Log.clear();
+        scripted::LogShown = 0;
+        scripted::Answers = {BoxAnswer::Yes};
+        scripted::AssignModes = {mode};
+        LoadWeights(file, 1);
+        EXPECT_EQ(Meshes[1].VertexBones.Items, (std::vector<int16_t>{0, 2, 1, 1, 2}));
+        EXPECT_EQ(scripted::Log, std::vector<std::string>{"Cannot assign vertex 4 to bone 3, bone does not exist."});
+        EXPECT_EQ(scripted::LogShown, 1);
+        EXPECT_FALSE(LogDirty);
+    }
+}
+
+TEST_F(Weights, CancelledDialogChangesNothing)
+{
+    AddMesh({{1, 0, 0}}, {1}, 1);
+    SaveWeights(file, 1);
+    Meshes[1].VertexBones[1] = 0;
+    LoadWeights(file, 1);
+    EXPECT_EQ(Meshes[1].VertexBones[1], 0);
+}
+
+TEST_F(Weights, ByPositionEqualsThePlainLoop)
+{
+    int changed = 0;
+    for (unsigned seed = 0; seed < 400; ++seed) {
+        scripted::Reset();
+        std::mt19937 random(seed);
+        const int kind = static_cast<int>(seed % shapes::Kinds);
+        const float step = shapes::Pick(&random, {0.002F, 0.001F, 0.00199F, 1.0F});
+        std::vector<Vec3> places(random() % 150);
+        std::vector<int16_t> bones(places.size());
+        for (Vec3& place : places) {
+            place = shapes::Place(&random, kind, step);
+        }
+        for (int16_t& bone : bones) {
+            bone = static_cast<int16_t>(static_cast<int>(random() % 9) - 2);
+        }
+        AddMesh(places, bones, 5);
+        SaveWeights(file, 1);
+        MvmMesh& mesh = Meshes[1];
+        if (random() % 2 == 0) {
+            for (Vec3& place : mesh.Vertices) {
+                place = shapes::Place(&random, kind, step);
+            }
+        }
+        mesh.VertexBones.Items.assign(bones.size(), 77);
+        std::vector<int16_t> expected = mesh.VertexBones.Items;
+        for (size_t k = 0; k < places.size(); ++k) {
+            const Vec3& r = places[k];
+            for (size_t v = 0; v < places.size(); ++v) {
+                const Vec3& p = mesh.Vertices.Items[v];
+                if (bones[k] >= 0 && bones[k] <= 5 && r.X - 0.002 < p.X && r.X + 0.002 > p.X && r.Y - 0.002 < p.Y &&
+                    r.Y + 0.002 > p.Y && r.Z - 0.002 < p.Z && r.Z + 0.002 > p.Z) {
+                    expected[v] = bones[k];
+                }
+            }
+        }
+        changed += static_cast<int>(expected != mesh.VertexBones.Items);
+        scripted::AssignModes = {2};
+        LoadWeights(file, 1);
+        ASSERT_TRUE(scripted::Questions.empty());
+        ASSERT_EQ(mesh.VertexBones.Items, expected) << "seed " << seed;
+    }
+    EXPECT_GT(changed, 200);
+}
+
+} // namespace
