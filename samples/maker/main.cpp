@@ -42,7 +42,7 @@ void Finish(const Skeleton& skeleton, int open, Mesh* mesh)
 Mesh MakeSkin(const Skeleton& skeleton, Picture* hide)
 {
     const Body body = MakeBody(skeleton);
-    Mesh skin = HalfSurface(body, skeleton, {0.0175, 0.021, 0.025, 0.0165, 0.0165});
+    Mesh skin = HalfSurface(body, skeleton, {0.0185, 0.0225, 0.027, 0.0175, 0.0178});
     Unwrapping unwrapping = UnwrapBody(skeleton, &skin);
     Mesh ear = Ear(skeleton);
     UnwrapEar(&ear, &unwrapping);

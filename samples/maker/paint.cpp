@@ -51,6 +51,7 @@ constexpr V3 nose{34, 24, 26};
 struct Spot {
     V3 at, normal;
     V2 raw;
+    V2 trunk; // its place along and around the trunk, whatever part it belongs to
     Chart chart;
 };
 
@@ -61,15 +62,21 @@ double Bands(double way, double count, double width, V3 at)
     return Step(1 - width, 1 - width * 0.55, 0.5 + 0.5 * std::cos(2 * pi * torn));
 }
 
+// The ground colours of the trunk: dark above, pale below. Limbs begin with them.
+V3 TrunkGround(const Spot& spot, V3 colour)
+{
+    const double above = 1 - spot.trunk.v;
+    colour = Mix(colour, rust, 0.75 * Step(0.5, 0.95, above));
+    return Mix(colour, cream, spot.at.z > 0.45 ? 0 : Step(0.42, 0.18, above + 0.08 * (Layers(spot.at * 12) - 0.5)));
+}
+
 V3 TrunkColour(const Spot& spot, V3 colour)
 {
-    const double above = 1 - spot.raw.v;
+    const double above = 1 - spot.trunk.v;
     const bool isTail = spot.at.z > 0.45;
-    colour = Mix(colour, rust, 0.75 * Step(0.5, 0.95, above));
-    colour = Mix(colour, cream, isTail ? 0 : Step(0.42, 0.18, above + 0.08 * (Layers(spot.at * 12) - 0.5)));
     const double width = isTail ? 0.55 : 0.34 * Step(0.3, 0.75, above) + 0.06;
     const double fade = isTail ? 1 : Step(0.36, 0.56, above) * Step(-0.47, -0.36, spot.at.z - 0.2 * spot.at.y);
-    return Mix(colour, umber, 0.92 * fade * Bands(spot.raw.u, isTail ? 13 : 10.5, width, spot.at));
+    return Mix(TrunkGround(spot, colour), umber, 0.92 * fade * Bands(spot.trunk.u, isTail ? 13 : 10.5, width, spot.at));
 }
 
 V3 HeadColour(const Spot& spot, V3 colour, const Skeleton& skeleton)
@@ -96,14 +103,16 @@ V3 HeadColour(const Spot& spot, V3 colour, const Skeleton& skeleton)
     return colour;
 }
 
-V3 LegColour(const Spot& spot, V3 colour)
+// The banded part of a leg begins below `top`.
+V3 LegColour(const Spot& spot, V3 colour, double top)
 {
     const double outside = 1 - spot.raw.v;
+    const V3 ground = TrunkGround(spot, colour);
     colour = Mix(colour, cream, 0.8 * Step(0.42, 0.2, outside) * Step(-0.34, -0.2, spot.at.y));
+    colour = Mix(colour, ground, Step(top - 0.12, top, spot.at.y));
     const double bands = Bands(spot.raw.u, 14, 0.36, spot.at) * Step(0.3, 0.6, outside);
-    colour = Mix(colour, umber, 0.9 * bands * Step(0.1, -0.02, spot.at.y + 0.3 * (outside - 0.8)));
-    colour = Mix(colour, umber, Step(-0.3, -0.39, spot.at.y + 0.06 * (Layers(spot.at * 30) - 0.5)));
-    return colour;
+    colour = Mix(colour, umber, 0.9 * bands * Step(top, top - 0.07, spot.at.y));
+    return Mix(colour, umber, Step(-0.3, -0.39, spot.at.y + 0.06 * (Layers(spot.at * 30) - 0.5)));
 }
 
 V3 EarColour(const Spot& spot, V3 colour)
@@ -122,13 +131,17 @@ V3 HideColour(const Spot& spot, const Skeleton& skeleton)
         colour = TrunkColour(spot, colour);
         break;
     case headChart:
-        colour = HeadColour(spot, colour, skeleton);
+        colour = Mix(HeadColour(spot, colour, skeleton), TrunkColour(spot, colour),
+                     Step(-0.45, -0.385, spot.at.z + 0.3 * (spot.at.y - 0.39)));
         break;
     case earChart:
         colour = EarColour(spot, colour);
         break;
+    case armChart:
+        colour = LegColour(spot, colour, 0.0);
+        break;
     default:
-        colour = LegColour(spot, colour);
+        colour = LegColour(spot, colour, 0.13);
         break;
     }
     // Short hair: fine strokes along the part.
@@ -169,6 +182,7 @@ Picture PaintHide(const Mesh& half, const Unwrapping& unwrapping, const Skeleton
     Picture picture(hideWidth, hideHeight);
     std::fill(picture.pixels.begin(), picture.pixels.end(), tawny);
     std::vector<char> painted(picture.pixels.size());
+    const std::vector<V2> trunk = TrunkPlaces(skeleton, half.v);
     for (size_t f = 0; f < unwrapping.chart.size(); ++f) {
         const Face& face = half.f[f];
         std::array<V2, 3> c;
@@ -202,6 +216,8 @@ Picture PaintHide(const Mesh& half, const Unwrapping& unwrapping, const Skeleton
                     spot.at = spot.at + half.v[static_cast<size_t>(face.v[k])] * w[k];
                     spot.normal = spot.normal + half.n[static_cast<size_t>(face.n[k])] * w[k];
                     spot.raw = {spot.raw.u + raw.u * w[k], spot.raw.v + raw.v * w[k]};
+                    const V2 along = trunk[static_cast<size_t>(face.v[k])];
+                    spot.trunk = {spot.trunk.u + along.u * w[k], spot.trunk.v + along.v * w[k]};
                 }
                 picture.At(x, y) = HideColour(spot, skeleton);
                 painted[static_cast<size_t>(y * hideWidth + x)] = 1;

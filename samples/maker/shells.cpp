@@ -210,7 +210,7 @@ Mesh Horn(const Skeleton& skeleton)
     const V3 root = At(skeleton, "HornR");
     const std::array<V3, 4> curve{root + V3{-0.003, -0.03, 0.015}, root + V3{0.012, 0.07, -0.03},
                                   root + V3{0.055, 0.13, 0.05}, root + V3{0.062, 0.155, 0.15}};
-    return Tusk(curve, 22, 12, FindBone(skeleton, "HornR"), hornMaterial,
+    return Tusk(curve, 18, 10, FindBone(skeleton, "HornR"), hornMaterial,
                 [](double t) { return 0.021 * (1 - t) * (1 + 0.09 * std::cos(t * 2 * pi * 9) * (1 - t)) + 0.003; });
 }
 
@@ -278,16 +278,16 @@ Mesh Mane(const Body& body, const Skeleton& skeleton)
     const V3 end = skeleton[static_cast<size_t>(TailEnd(skeleton, {}))].at;
     const V3 along = Unit({0, 0.07, 0.035});
     const V3 up = Unit(Cross(along, V3{1, 0, 0}));
-    for (int sheet = 0; sheet < 5; ++sheet) {
-        const double angle = pi * sheet / 4;
+    for (int sheet = 0; sheet < 7; ++sheet) {
+        const double angle = pi * sheet / 6;
         V3 out = up * std::cos(angle) + V3{1, 0, 0} * std::sin(angle);
-        out.x = sheet == 0 || sheet == 4 ? 0 : out.x;
+        out.x = sheet == 0 || sheet == 6 ? 0 : out.x;
         std::vector<Lock> locks;
         for (int i = 0; i < 7; ++i) {
             const double t = i / 6.0;
-            const V3 root = end - along * 0.02 + along * (0.095 * t) + out * (0.018 - 0.008 * t);
-            const V3 flow = Unit(along + out * (0.75 - 0.6 * t));
-            locks.push_back({root, root + flow * (0.085 + 0.055 * t), 2 * t + 0.21 * sheet});
+            const V3 root = end - along * 0.02 + along * (0.095 * t) + out * (0.02 - 0.016 * t);
+            const V3 flow = Unit(along + out * (0.5 - 0.42 * t));
+            locks.push_back({root, root + flow * (0.09 + 0.06 * t), 2 * t + 0.21 * sheet});
         }
         AddStrip(locks, V3{0, 0, 0}, TailEnd, skeleton, &mane);
     }

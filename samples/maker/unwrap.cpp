@@ -11,13 +11,13 @@ struct Place {
     double left, bottom, right, top; // pixels
 };
 
-constexpr std::array<Place, chartCount> places{
+constexpr std::array<Place, chartCount> chartPlaces{
     {{0, 0, 512, 96}, {0, 96, 256, 256}, {256, 96, 512, 160}, {256, 160, 512, 224}, {256, 224, 512, 256}}};
 
 V2 InPlace(Chart chart, double along, double around)
 {
     constexpr double margin = 2;
-    const Place& place = places[chart];
+    const Place& place = chartPlaces[chart];
     return {(place.left + margin + along * (place.right - place.left - 2 * margin)) / hideWidth,
             (place.bottom + margin + around * (place.top - place.bottom - 2 * margin)) / hideHeight};
 }
@@ -148,6 +148,16 @@ Unwrapping UnwrapBody(const Skeleton& skeleton, Mesh* half)
         half->t.push_back(InPlace(chart, (raw.u - low[chart]) / (high[chart] - low[chart]), raw.v));
     }
     return unwrapping;
+}
+
+std::vector<V2> TrunkPlaces(const Skeleton& skeleton, const std::vector<V3>& places)
+{
+    const Axis trunk = Axes(skeleton)[trunkChart];
+    std::vector<V2> raw;
+    for (const V3& place : places) {
+        raw.push_back(Around(trunk, place));
+    }
+    return raw;
 }
 
 void UnwrapEar(Mesh* ear, Unwrapping* unwrapping)

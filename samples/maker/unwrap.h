@@ -23,5 +23,7 @@ struct Unwrapping {
 /// Gives the body's half its texture coordinates: each part is rolled out around its own axis, and both of its flanks
 /// share their place, so that there are seams only where parts meet.
 Unwrapping UnwrapBody(const Skeleton& skeleton, Mesh* half);
+/// Way along and around the trunk for any place, so that a limb can go on with the trunk's pattern.
+std::vector<V2> TrunkPlaces(const Skeleton& skeleton, const std::vector<V3>& places);
 /// Moves an ear's own coordinates into its place in the picture and notes them.
 void UnwrapEar(Mesh* ear, Unwrapping* unwrapping);
