@@ -112,6 +112,9 @@ Skeleton MakeSkeleton(const BodyPlan& plan)
              {"Hock", "Hock", {0.125, down(-0.27), along(0.395)}},
              {"PawH", "Hind Paw", {0.125, down(-0.445), along(0.35)}}},
             pelvis);
+    for (Joint& joint : skeleton) {
+        joint.firm = joint.name.rfind("Eye", 0) == 0;
+    }
     skeleton[static_cast<size_t>(head)].extra = " limits = (-35,40,60)\r\n look = \"eyes\"\r\n";
     skeleton[static_cast<size_t>(head) + 1].extra = " limits = (0,28,0)\r\n";
     skeleton[static_cast<size_t>(last)].extra = " swing = 0.75\r\n";

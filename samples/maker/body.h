@@ -18,6 +18,7 @@ struct Joint {
     V3 at;
     int parent = -1, partner = -1;
     bool shadow = false;
+    bool firm = false; ///< keeps its vertices when they lie close to those of another bone
 };
 
 using Skeleton = std::vector<Joint>;

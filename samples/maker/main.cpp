@@ -72,6 +72,8 @@ Mesh MakePlain(const Body& body, const Skeleton& skeleton, const std::string& na
     for (Face& face : mesh.f) {
         face.t = face.v;
     }
+    // So few faces follow the surface only roughly: their own slopes light them better than the surface's.
+    SmoothNormals(&mesh);
     mesh.name = name;
     mesh.materials = {"Hide"};
     Finish(skeleton, noMaterial, &mesh);
@@ -94,7 +96,7 @@ Creature MakeCreature()
     const auto isTail = [&](int bone) { return has(bone, "Tail"); };
     creature.meshes.push_back(MakePlain(PartOf(body, isHead), skeleton, "$headVorrel", 0.04));
     creature.meshes.push_back(MakePlain(PartOf(body, [&](int bone) { return !isHead(bone) && !isTail(bone); }),
-                                        skeleton, "$bodyVorrel", 0.05));
+                                        skeleton, "$bodyVorrel", 0.035));
     creature.meshes.push_back(MakePlain(PartOf(body, isTail), skeleton, "$tailVorrel", 0.03));
     creature.placements = {{"Vorrel", {0, 1, 0.25}, 2},
                            {"$shadowVorrel", {0, 1, 0.25}, 2},

@@ -99,6 +99,25 @@ void Append(const Mesh& part, Mesh* mesh)
     }
 }
 
+void SmoothNormals(Mesh* mesh)
+{
+    mesh->n.assign(mesh->v.size(), V3{});
+    for (Face& face : mesh->f) {
+        const auto at = [&](size_t k) { return mesh->v[static_cast<size_t>(face.v[k])]; };
+        const V3 across = Cross(at(1) - at(0), at(2) - at(0));
+        for (const int v : face.v) {
+            mesh->n[static_cast<size_t>(v)] = mesh->n[static_cast<size_t>(v)] + across;
+        }
+        face.n = face.v;
+    }
+    const bool isFlat = std::all_of(mesh->v.begin(), mesh->v.end(), [](V3 at) { return at.x == 0; });
+    for (size_t i = 0; i < mesh->n.size(); ++i) {
+        // The image of a half adds the opposite slope on the middle plane.
+        const V3 n = mesh->n[i];
+        mesh->n[i] = Unit({mesh->v[i].x == 0 && !isFlat ? 0 : n.x, n.y, n.z});
+    }
+}
+
 void MirrorHalf(const Skeleton& skeleton, Mesh* mesh)
 {
     const auto reflect = [](std::vector<V3>* list) {
@@ -135,10 +154,13 @@ void MirrorHalf(const Skeleton& skeleton, Mesh* mesh)
 
 void SettleClose(const Skeleton& skeleton, double tolerance, Mesh* mesh)
 {
-    const auto isMiddle = [&](int bone) { return skeleton[static_cast<size_t>(bone)].partner == bone; };
+    // Middle bones come before those of a side, then the lower number wins, so that the walk comes to an end.
+    const auto rank = [&](int bone) {
+        const Joint& joint = skeleton[static_cast<size_t>(bone)];
+        return std::pair(joint.firm ? 0 : (joint.partner == bone ? 1 : 2), bone);
+    };
+    const auto weaker = [&](int a, int b) { return rank(b) < rank(a); };
     const size_t count = mesh->v.size();
-    // Middle bones spread outward first, then the lower number wins, so that the walk comes to an end.
-    const auto weaker = [&](int a, int b) { return isMiddle(a) != isMiddle(b) ? isMiddle(b) : b < a; };
     for (bool changed = true; changed;) {
         changed = false;
         for (size_t i = 0; i < count; ++i) {

@@ -31,6 +31,9 @@ void RoundMesh(Mesh* mesh);
 /// Adds `part` (one material number for all its faces) to `mesh`.
 void Append(const Mesh& part, Mesh* mesh);
 
+/// Gives a half one normal for each vertex, from the faces around it.
+void SmoothNormals(Mesh* mesh);
+
 /// Completes a half with X >= 0: every vertex off the plane gets a twin, every face its reversed image, and a twin gets
 /// the partner bone of its original.
 void MirrorHalf(const Skeleton& skeleton, Mesh* mesh);

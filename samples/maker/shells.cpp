@@ -9,23 +9,6 @@ namespace {
 
 constexpr double pi = std::numbers::pi;
 
-// One smooth normal for each vertex, from the faces around it.
-void AddNormals(Mesh* mesh)
-{
-    mesh->n.assign(mesh->v.size(), V3{});
-    for (Face& face : mesh->f) {
-        const auto at = [&](size_t k) { return mesh->v[static_cast<size_t>(face.v[k])]; };
-        const V3 across = Cross(at(1) - at(0), at(2) - at(0));
-        for (const int v : face.v) {
-            mesh->n[static_cast<size_t>(v)] = mesh->n[static_cast<size_t>(v)] + across;
-        }
-        face.n = face.v;
-    }
-    for (V3& n : mesh->n) {
-        n = Unit(n);
-    }
-}
-
 Face Triangle(int a, int b, int c, int material)
 {
     Face face;
@@ -89,7 +72,7 @@ void AddStrip(const std::vector<Lock>& locks, V3 droop, int (*boneOf)(const Skel
             strip.f.push_back(Triangle(a, a + rows + 1, a + 1, maneMaterial));
         }
     }
-    AddNormals(&strip);
+    SmoothNormals(&strip);
     const bool isMiddle = std::all_of(strip.v.begin(), strip.v.end(), [](V3 at) { return at.x == 0; });
     if (!isMiddle) {
         const int count = static_cast<int>(strip.n.size());
@@ -176,7 +159,7 @@ Mesh Sweep(const std::vector<Ring>& rings, V3 first, V3 last, int around, int bo
         face.t = face.v;
     }
     mesh.bone.assign(mesh.v.size(), bone);
-    AddNormals(&mesh);
+    SmoothNormals(&mesh);
     return mesh;
 }
 

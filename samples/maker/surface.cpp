@@ -210,11 +210,24 @@ Mesh HalfSurface(const Body& body, const Skeleton& skeleton, const GridSteps& st
         mesh.n.push_back(Unit(Gradient(body, at)));
         mesh.bone.push_back(NearestBone(body, skeleton, at));
     }
-    const auto far = [&](int a, int b) {
-        return Length(mesh.v[static_cast<size_t>(a)] - mesh.v[static_cast<size_t>(b)]);
+    const auto at = [&](int v) { return mesh.v[static_cast<size_t>(v)]; };
+    // How well the two halves of a quad follow the surface when it is cut from corner `turn`.
+    const auto fit = [&](const Quad& quad, size_t turn) {
+        double worst = 1;
+        for (const size_t first : {turn, turn + 2}) {
+            const V3 corner = at(quad[first % 4]);
+            const V3 out = Unit(Cross(at(quad[(first + 1) % 4]) - corner, at(quad[(first + 2) % 4]) - corner));
+            V3 sum;
+            for (size_t k = 0; k < 3; ++k) {
+                sum = sum + mesh.n[static_cast<size_t>(quad[(first + k) % 4])];
+            }
+            worst = std::min(worst, Dot(out, sum));
+        }
+        return worst;
     };
     for (const Quad& quad : quads) {
-        const size_t turn = far(quad[0], quad[2]) <= far(quad[1], quad[3]) ? 0 : 1;
+        size_t turn = Length(at(quad[0]) - at(quad[2])) <= Length(at(quad[1]) - at(quad[3])) ? 0 : 1;
+        turn = fit(quad, turn) < 0.5 && fit(quad, 1 - turn) > fit(quad, turn) ? 1 - turn : turn;
         for (const size_t first : {turn, turn + 2}) {
             Face face;
             for (size_t k = 0; k < 3; ++k) {
