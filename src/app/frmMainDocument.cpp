@@ -50,7 +50,7 @@ void frmMain::OpenFile(const std::string& filename)
     }
     BeginBusy();
     const bool loaded = LoadMVM(filename);
-    EndBusy();
+    EndAllBusy();
     if (EndAfterStop()) {
         return;
     }
@@ -99,7 +99,12 @@ bool frmMain::CloseModel()
 
 void frmMain::mnuFileNew_Click()
 {
-    if (!CloseModel() || !ShowNewDialog()) {
+    if (!CloseModel()) {
+        return;
+    }
+    const bool loaded = ShowNewDialog();
+    EndAllBusy();
+    if (!loaded) {
         return;
     }
     ModelOpen = true;

@@ -1,4 +1,5 @@
-#include <algorithm>
+#include <string>
+#include <utility>
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -137,6 +138,7 @@ void frmMain::closeEvent(QCloseEvent* event)
     }
     if (Busy()) {
         StopRequested = true;
+        closeWhenDone = true;
         SetPanelText("toolhelp", "Closing...");
         event->ignore();
         return;
@@ -149,15 +151,14 @@ void frmMain::closeEvent(QCloseEvent* event)
     setAcceptDrops(false);
     ShutdownApp();
     event->accept();
-    QCoreApplication::exit(0);
 }
 
 bool frmMain::EndAfterStop()
 {
-    if (!StopRequested) {
+    StopRequested = false;
+    if (!std::exchange(closeWhenDone, false)) {
         return false;
     }
-    StopRequested = false;
     close();
     return unloaded;
 }

@@ -92,9 +92,17 @@ void frmMain::BeginBusy()
     fraEditing->setEnabled(false);
 }
 
+void frmMain::EndAllBusy()
+{
+    if (busyDepth > 0) {
+        busyDepth = 1;
+        EndBusy();
+    }
+}
+
 void frmMain::EndBusy()
 {
-    if (--busyDepth > 0) {
+    if (busyDepth == 0 || --busyDepth > 0) {
         return;
     }
     for (QAction* entry : heldEntries) {

@@ -15,7 +15,6 @@ int main(int argc, char* argv[])
     int ownArguments = argc > 0 ? 1 : 0;
     QApplication application(ownArguments, argv);
     PrepareApplication();
-    QApplication::setQuitOnLastWindowClosed(false);
 
     frmMain window;
     window.Start(commandLine);

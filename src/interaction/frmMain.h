@@ -64,6 +64,8 @@ public:
     // While a long operation serves events, what would change the scene is disabled (app/frmMainStatus.cpp).
     void BeginBusy();
     void EndBusy();
+    /// Also when a load that failed has left its progress open.
+    void EndAllBusy();
     [[nodiscard]] bool Busy() const { return busyDepth > 0; }
 
     // Menu (interaction/frmMainMenu.cpp).
@@ -190,6 +192,7 @@ private:
     QWidget* heldFocus = nullptr;      ///< control that lost the focus to BeginBusy
     int32_t wheelRest = 0;             ///< wheel distance short of a whole notch
     QMargins frameMargins;             ///< the frame that FitFrame has last seen
+    bool closeWhenDone = false;        ///< the window was closed while busy
     bool unloaded = false;
 };
 
