@@ -154,7 +154,7 @@ TEST(WindowBuild, TheWidgetsFollowTheSize)
         EXPECT_GE(window->panels[0]->width(), 96);
         EXPECT_EQ(window->panels[1]->width(), 200);
         EXPECT_LE(window->panels[1]->geometry().right(), window->stsMain->width());
-        EXPECT_FLOAT_EQ(ViewAspect, static_cast<float>(w) / static_cast<float>(h + 26));
+        EXPECT_NEAR(ViewAspect, static_cast<double>(w) / (h + 26), 0.005);
     }
 }
 
