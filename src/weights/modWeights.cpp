@@ -110,15 +110,16 @@ void AssignByPosition(const std::vector<WeightsVertex>& records, MvmMesh* mesh)
     }
     NearTree tree = BuildNear(std::move(points), true);
     std::vector<int32_t> taken;
-    for (auto record = assignable.rbegin(); record != assignable.rend(); ++record) {
-        const Vec3& place = (*record)->Place;
+    std::reverse(assignable.begin(), assignable.end());
+    for (const WeightsVertex* record : assignable) {
+        const Vec3& place = record->Place;
         taken.clear();
         TakeInBox(&tree,
                   {{FloatAbove(place.X - tolerance), FloatAbove(place.Y - tolerance), FloatAbove(place.Z - tolerance)},
                    {FloatBelow(place.X + tolerance), FloatBelow(place.Y + tolerance), FloatBelow(place.Z + tolerance)}},
                   &taken);
         for (const int32_t v : taken) {
-            mesh->VertexBones[v] = (*record)->Bone;
+            mesh->VertexBones[v] = record->Bone;
         }
     }
 }
