@@ -1,5 +1,3 @@
-#include <cmath>
-
 #include <QCursor>
 #include <QKeyEvent>
 #include <QMenu>
@@ -14,7 +12,6 @@
 #include "interaction/modTools.h"
 #include "render/modOpenGL.h"
 #include "render/modRedraw.h"
-#include "render/modViewFlags.h"
 #include "weights/modEdit.h"
 
 namespace {
@@ -37,23 +34,6 @@ QCursor CursorOf(const ToolCursor& cursor)
 {
     const QPixmap picture(QStringLiteral(":/cursors/%1.png").arg(QString::fromUtf8(cursor.Name)));
     return picture.isNull() ? QCursor(cursor.Fallback) : QCursor(picture, cursor.HotX, cursor.HotY);
-}
-
-/// The box of the drag in device pixels. Measured from the top of the view, where a fractional scale leaves no rest.
-PickBox DeviceBox(const PickBox& box, int viewHeight)
-{
-    if (box.Width <= 2 || box.Height <= 2) {
-        return {static_cast<int32_t>(std::lrintf(static_cast<float>(box.X) * PixelScale)),
-                ViewHeight - static_cast<int32_t>(std::lrintf(static_cast<float>(viewHeight - box.Y) * PixelScale)), 1,
-                1};
-    }
-    const auto scaled = [](int32_t value) {
-        return static_cast<int32_t>(std::lrintf(static_cast<float>(value) * PixelScale));
-    };
-    const int32_t left = scaled(box.X);
-    const int32_t bottom = ViewHeight - scaled(viewHeight - box.Y);
-    const int32_t top = ViewHeight - scaled(viewHeight - box.Y - box.Height);
-    return {left, bottom, scaled(box.X + box.Width) - left, top - bottom};
 }
 
 } // namespace
@@ -129,8 +109,7 @@ void frmMain::picMain_MouseUp(QPointF position)
     }
     // A model that is still being read takes no assignments.
     if (MouseButton == 1 && ActiveTab == 1 && ToolMode == 0 && !Busy()) {
-        const PickBox drag = BoxOfDrag(MouseStartX, MouseStartY, x, y, picMain->height());
-        const PickBox box = DeviceBox(drag, picMain->height());
+        const PickBox box = BoxOfDrag(MouseStartX, MouseStartY, x, y, picMain->height());
         MakeViewCurrent();
         PickVertices(TargetMesh(), box.X, box.Y, box.Width, box.Height);
     }

@@ -10,8 +10,6 @@
 #include "render/modViewFlags.h"
 #include "weights/modBoneAlias.h"
 
-#include <GL/gl.h>
-
 void Redraw(bool /*swap*/)
 {
     if (GLContext && MainForm() != nullptr) {
@@ -24,10 +22,6 @@ void MakeViewCurrent()
     if (const frmMain* window = MainForm()) {
         if (auto* view = qobject_cast<QOpenGLWidget*>(window->picMain)) {
             view->makeCurrent();
-            // The toolkit leaves its own, unscaled viewport behind; picking projects through the one of the frame.
-            if (GLContext) {
-                glViewport(0, 0, ViewWidth, ViewHeight);
-            }
         }
     }
 }
