@@ -16,10 +16,13 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr auto pumpInterval = std::chrono::microseconds(1000000 / 60);
-
 int32_t progressMaximum = 1;
 Clock::time_point lastPump;
+
+bool PumpIsDue()
+{
+    return Clock::now() - lastPump >= std::chrono::microseconds(PumpInterval);
+}
 
 void ShowProgress(const frmMain& window, int32_t value)
 {
@@ -54,12 +57,12 @@ void ProgressStep(int32_t value)
 {
     const int32_t held = std::clamp(value, 1, progressMaximum);
     const bool last = held == progressMaximum;
-    if (!last && Clock::now() - lastPump < pumpInterval) {
+    if (!last && !PumpIsDue()) {
         return;
     }
     if (const frmMain* window = MainForm()) {
         ShowProgress(*window, held);
-        if (Clock::now() - lastPump >= pumpInterval) {
+        if (PumpIsDue()) {
             PumpEvents();
             lastPump = Clock::now();
         }

@@ -6,8 +6,9 @@
 // What the core tells the user while it works. The main window implements these; tests have a form that records them.
 // All texts are UTF-8.
 
-inline bool LogDirty = false;      ///< lines went to the log that the user has not been shown
-inline bool StopRequested = false; ///< the window was closed during a load: the load ends at its next step
+inline bool LogDirty = false;               ///< lines went to the log that the user has not been shown
+inline int64_t PumpInterval = 1000000 / 60; ///< microseconds that ProgressStep lets pass between two rounds of events
+inline bool StopRequested = false;          ///< the window was closed during a load: the load ends at its next step
 
 /// Shows `text` in the status panel with this key: "toolhelp" or "progress".
 void SetPanelText(const std::string& key, const std::string& text);

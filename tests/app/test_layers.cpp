@@ -153,7 +153,8 @@ TEST(Layers, NoNumberPassesThroughTheLocale)
     for (const auto& [name, source] : ReadSources()) {
         for (const std::string& word : WordsOf(source.Text)) {
             const bool formats = word.ends_with("printf") || word.ends_with("scanf");
-            EXPECT_FALSE(formats || banned.contains(word)) << name << " holds " << word;
+            const bool setup = name == "app/frmSetup.cpp" && word == "setlocale"; // takes the toolkit's choice back
+            EXPECT_FALSE((formats || banned.contains(word)) && !setup) << name << " holds " << word;
         }
     }
 }

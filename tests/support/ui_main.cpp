@@ -5,6 +5,7 @@
 #include <QApplication>
 
 #include "app/frmSetup.h"
+#include "app/modStatus.h"
 
 int main(int argc, char* argv[])
 {
@@ -20,5 +21,6 @@ int main(int argc, char* argv[])
     QApplication application(argc, argv);
     PrepareApplication();
     QApplication::setQuitOnLastWindowClosed(false);
+    PumpInterval = 1000; // so that also the load of a short file meets events
     return RUN_ALL_TESTS();
 }

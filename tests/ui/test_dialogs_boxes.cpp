@@ -30,6 +30,9 @@ DialogSteps::Step Typing(const QString& name)
 {
     return [name](QDialog* dialog) {
         auto* field = Part<QLineEdit>(dialog, "fileNameEdit");
+        // Without the focus the chooser keeps the row of an earlier name selected.
+        ASSERT_TRUE(QTest::qWaitForWindowActive(dialog));
+        field->setFocus();
         field->setText(name);
         QTest::keyClick(field, Qt::Key_Return);
     };

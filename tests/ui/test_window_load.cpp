@@ -15,13 +15,15 @@
 
 namespace {
 
-/// Does something at each event round while a load is under way, until that was done `rounds` times.
+constexpr int mostRounds = 20;
+
+/// Does something at each event round while a load is under way, `mostRounds` times at most.
 class DuringLoad {
 public:
     explicit DuringLoad(std::function<void()> action) : act(std::move(action))
     {
         QObject::connect(&timer, &QTimer::timeout, &timer, [this] {
-            if (LoadRunning) {
+            if (LoadRunning && Rounds < mostRounds) {
                 Rounds++;
                 act();
             }
