@@ -89,10 +89,22 @@ inline Array1<MvmMaterial> Materials;
 inline Array1<MvmMesh> Meshes;
 inline Array1<MvmInstance> Instances;
 
-[[nodiscard]] inline int32_t BoneCount() { return Bones.Count(); }
-[[nodiscard]] inline int32_t MaterialCount() { return Materials.Count(); }
-[[nodiscard]] inline int32_t MeshCount() { return Meshes.Count(); }
-[[nodiscard]] inline int32_t InstanceCount() { return Instances.Count(); }
+[[nodiscard]] inline int32_t BoneCount()
+{
+    return Bones.Count();
+}
+[[nodiscard]] inline int32_t MaterialCount()
+{
+    return Materials.Count();
+}
+[[nodiscard]] inline int32_t MeshCount()
+{
+    return Meshes.Count();
+}
+[[nodiscard]] inline int32_t InstanceCount()
+{
+    return Instances.Count();
+}
 
 // Roles: indices into Meshes, 0 for none.
 inline int16_t SkinMesh = 0;

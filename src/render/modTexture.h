@@ -12,7 +12,10 @@ struct MvmTexture {
 };
 
 inline Array1<MvmTexture> Textures;
-[[nodiscard]] inline int32_t TextureCount() { return Textures.Count(); }
+[[nodiscard]] inline int32_t TextureCount()
+{
+    return Textures.Count();
+}
 
 /// Loads the textures of all materials. `path` is the model file or its folder with a separator at its end. Problems go
 /// to the Info Log.

@@ -20,7 +20,10 @@ struct BoneAliasFile {
 
 inline Array1<BoneAliasFile> AliasFiles;
 inline bool AliasesOn = true;
-[[nodiscard]] inline int16_t AliasFileCount() { return static_cast<int16_t>(AliasFiles.Count()); }
+[[nodiscard]] inline int16_t AliasFileCount()
+{
+    return static_cast<int16_t>(AliasFiles.Count());
+}
 
 /// Reads all alias files of the folder `alias` beside the program. Problems go to a message or the Info Log.
 void LoadAlias();

@@ -8,7 +8,7 @@
 // records them. List 0 holds the ordinary bones, list 1 the shadow bones.
 
 struct BoneRow {
-    std::string Text; ///< UTF-8
+    std::string Text;   ///< UTF-8
     int32_t Number = 0; ///< bone index, 0 for the row "NONE"
 };
 
