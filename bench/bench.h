@@ -38,6 +38,11 @@ void RegisterFrameCases();
 /// program again as a child.
 void MeasureMemory(const std::string& self);
 void MeasureStart(const std::string& self);
+
+// First argument of this program as a child; the second is the file.
+inline constexpr const char* memoryMode = "--child-memory";
+inline constexpr const char* startMode = "--child-start";
+inline constexpr const char* emptyMode = "--child-empty";
 /// What the children do; `argument` is the file. Gives the exit code.
 int MemoryChild(const std::string& argument);
 int StartChild(bool withProgram, const std::string& argument);

@@ -5,11 +5,14 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <numbers>
+#include <set>
 
 namespace {
 
 constexpr int32_t ringSize = 128;
+std::set<std::string> writtenFiles;
 
 /// A deterministic spread of the numbers 0 to 1.
 double Spread(int32_t seed)
@@ -38,6 +41,12 @@ Vec3 PlaceOf(Shape shape, int32_t vertex)
         return {vertex % 2 == 0 ? 0.001F : -0.001F, static_cast<float>(vertex) * 0.00001F, 0};
     case Shape::OnePlane:
         return {0.001F, place.X, place.Z};
+    case Shape::Strange: {
+        constexpr float infinite = std::numeric_limits<float>::infinity();
+        constexpr float values[] = {infinite, -infinite, std::numeric_limits<float>::quiet_NaN()};
+        const float value = values[vertex / 3 % 3];
+        return vertex % 3 == 0 ? Vec3{place.X, value, vertex % 2 == 0 ? value : place.Z} : place;
+    }
     }
     return place;
 }
@@ -59,8 +68,9 @@ MvmMesh LargestMesh(Shape shape, int32_t bones, int32_t materials, bool sorted)
         const Vec3 place = PlaceOf(shape, i);
         mesh.Vertices.Add(place);
         const double length = std::hypot(place.X, place.Y);
-        mesh.Normals.Add(length > 0 ? Vec3{static_cast<float>(place.X / length), static_cast<float>(place.Y / length), 0}
-                                    : Vec3{0, 1, 0});
+        mesh.Normals.Add(length > 0
+                             ? Vec3{static_cast<float>(place.X / length), static_cast<float>(place.Y / length), 0}
+                             : Vec3{0, 1, 0});
         mesh.TexCoords.Add({static_cast<float>(i % ringSize) / ringSize, static_cast<float>(i / ringSize) / 256});
         mesh.VertexBones.Add(static_cast<int16_t>(place.X <= 0 && bones > 0 ? 1 + i % bones : 0));
     }
@@ -152,5 +162,14 @@ std::string TemporaryFile(const std::string& name, const std::string& text)
     if (!file.flush()) {
         std::abort();
     }
+    writtenFiles.insert(path);
     return path;
+}
+
+void RemoveFiles()
+{
+    for (const std::string& path : writtenFiles) {
+        std::filesystem::remove(path);
+    }
+    writtenFiles.clear();
 }

@@ -13,6 +13,7 @@ enum class Shape {
     OnePlace, ///< all vertices at one point
     OneLine,  ///< all on one line along Y
     OnePlane, ///< all on the plane X = 0.001
+    Strange,  ///< the tube, with every third vertex at places that are infinite or no number
 };
 
 /// A skin of LargestCount vertices, normals, texture coordinates and faces over `materials` materials. Faces of one
@@ -29,3 +30,5 @@ void FillScene(int32_t meshes, int32_t bones, int32_t materials, bool sorted, Sh
 
 /// Writes text to a file in the folder for temporary files and gives its path.
 std::string TemporaryFile(const std::string& name, const std::string& text);
+/// Removes all files that TemporaryFile made.
+void RemoveFiles();

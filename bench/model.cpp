@@ -109,7 +109,6 @@ void Write(benchmark::State& state)
         }
     }
     ResetScene();
-    std::filesystem::remove(path);
 }
 
 std::string Printed(float value)
@@ -155,7 +154,6 @@ void WriteStreams(benchmark::State& state)
         }
     }
     ResetScene();
-    std::filesystem::remove(path);
 }
 
 void LoadText(benchmark::State& state, const std::string& path)
@@ -166,7 +164,6 @@ void LoadText(benchmark::State& state, const std::string& path)
     }
     state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(std::filesystem::file_size(path)));
     ResetScene();
-    std::filesystem::remove(path);
 }
 
 } // namespace
@@ -187,8 +184,7 @@ void RegisterModelCases()
     while (line.size() < (1U << 20)) {
         line += part;
     }
-    benchmark::RegisterBenchmark("load a line of a megabyte", LoadText,
-                                 TemporaryFile("line.mvm", line + "\r\n}\r\n"))
+    benchmark::RegisterBenchmark("load a line of a megabyte", LoadText, TemporaryFile("line.mvm", line + "\r\n}\r\n"))
         ->Iterations(5)
         ->Unit(benchmark::kMillisecond);
     std::string blocks;
@@ -203,8 +199,8 @@ void RegisterModelCases()
     BenchRows.push_back({"load, largest model, MB/s against tinyobjloader", "load", "load/tinyobj", 5, false, true});
     BenchRows.push_back({"load, largest model, against splitting lines", "load", "load/lines", 15, true, true});
     BenchRows.push_back({"write, largest model, against streams", "write", "write/streams", 5});
-    BenchRows.push_back({"load a line of a megabyte, against the largest model", "load a line of a megabyte", "load", 3,
-                         true, true});
+    BenchRows.push_back(
+        {"load a line of a megabyte, against the largest model", "load a line of a megabyte", "load", 3, true, true});
     BenchRows.push_back({"load a million empty blocks, against the largest model", "load a million empty blocks",
                          "load", 15, true, true});
 }

@@ -3,11 +3,8 @@
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cmath>
-#include <cstring>
-#include <filesystem>
 
 #include "app/modMvmDef.h"
-#include "app/modVersion.h"
 #include "bench.h"
 #include "generate.h"
 #include "render/modMath.h"
@@ -70,40 +67,24 @@ void MirrorLoop(benchmark::State& state, Shape shape, float threshold)
     ResetScene();
 }
 
-void AppendBytes(std::string* to, const void* value, size_t size)
-{
-    to->append(static_cast<const char*>(value), size);
-}
-
-/// A weights file of the skin, with all bones moved by one.
-std::string WeightsFile()
+/// The records of a weights file of the skin, each bone moved by one.
+std::vector<WeightsVertex> WeightsOfSkin()
 {
     const MvmMesh& mesh = Meshes[SkinMesh];
-    std::string bytes = "BWRT";
-    for (const int16_t number : {VersionMajor, VersionMinor, VersionRevision, static_cast<int16_t>(BoneCount())}) {
-        AppendBytes(&bytes, &number, sizeof number);
+    std::vector<WeightsVertex> records;
+    for (int32_t i = 1; i <= mesh.VertexCount(); ++i) {
+        records.push_back({mesh.Vertices[i], static_cast<int16_t>(1 + i % BoneCount())});
     }
-    bytes += (mesh.Name + std::string(24, ' ')).substr(0, 24);
-    const int32_t count = mesh.VertexCount();
-    AppendBytes(&bytes, &count, sizeof count);
-    for (int32_t i = 1; i <= count; ++i) {
-        AppendBytes(&bytes, &mesh.Vertices[i], sizeof(Vec3));
-        const auto bone = static_cast<int16_t>(1 + i % BoneCount());
-        AppendBytes(&bytes, &bone, sizeof bone);
-    }
-    return TemporaryFile("weights.wif", bytes);
+    return records;
 }
 
 void ByPosition(benchmark::State& state, Shape shape)
 {
     FillScene(1, boneCount, 1, true, shape);
-    const std::string path = WeightsFile();
-    WeightsAssignMode = 2;
+    const std::vector<WeightsVertex> records = WeightsOfSkin();
     for (auto _ : state) {
-        LoadWeights(path, SkinMesh);
+        AssignByPosition(records, &Meshes[SkinMesh]);
     }
-    WeightsAssignMode = 0;
-    std::filesystem::remove(path);
     ResetScene();
 }
 
@@ -168,7 +149,9 @@ void NormalsLoop(benchmark::State& state, bool oneVertex)
                 if (corner < 0) {
                     continue;
                 }
-                const auto at = [&](int k) { return mesh.Vertices[face.Vertex[static_cast<size_t>((corner + k) % 3)]]; };
+                const auto at = [&](int k) {
+                    return mesh.Vertices[face.Vertex[static_cast<size_t>((corner + k) % 3)]];
+                };
                 const double angle = VecAngle(VecSub(at(0), at(1)), VecSub(at(0), at(2)));
                 const Vec3 n = normals[f];
                 const double weight = static_cast<double>(areas[f]) * angle;
@@ -241,7 +224,9 @@ void RegisterWeightsCases()
                                 MirrorCase{"mirror, default threshold", Shape::Creature, 0.01F, 200, 20},
                                 MirrorCase{"mirror, dense", Shape::Creature, 0.03F, 200, 20},
                                 MirrorCase{"mirror, threshold as large as the model", Shape::Creature, 5, 1, 1000},
-                                MirrorCase{"mirror, all on one line", Shape::OneLine, 0.01F, 1, 1000}}) {
+                                MirrorCase{"mirror, all on one line", Shape::OneLine, 0.01F, 1, 1000},
+                                MirrorCase{"mirror, all in one place", Shape::OnePlace, 0.01F, 1, 1000},
+                                MirrorCase{"mirror, infinite and no numbers", Shape::Strange, 0.01F, 1, 1000}}) {
         const std::string name = c.Name;
         Add(name, 5, Mirror, c.Form, c.Threshold);
         Add(name + "/loop", 1, MirrorLoop, c.Form, c.Threshold);
@@ -255,7 +240,8 @@ void RegisterWeightsCases()
     for (const PlaceCase& c : {PlaceCase{"weights by position", Shape::Creature, 200, 20},
                                PlaceCase{"weights by position, one place", Shape::OnePlace, 1, 1000},
                                PlaceCase{"weights by position, one line", Shape::OneLine, 1, 1000},
-                               PlaceCase{"weights by position, one plane", Shape::OnePlane, 1, 1000}}) {
+                               PlaceCase{"weights by position, one plane", Shape::OnePlane, 1, 1000},
+                               PlaceCase{"weights by position, infinite and no numbers", Shape::Strange, 1, 1000}}) {
         const std::string name = c.Name;
         Add(name, 5, ByPosition, c.Form);
         Add(name + "/loop", 1, ByPositionLoop, c.Form);
@@ -265,7 +251,8 @@ void RegisterWeightsCases()
         const std::string name = oneVertex ? "normals, one vertex in every face" : "normals";
         Add(name, 5, Normals, oneVertex);
         Add(name + "/loop", 1, NormalsLoop, oneVertex);
-        BenchRows.push_back({name, name, name + "/loop", oneVertex ? 1.0 : 500.0, false, false, oneVertex ? 1000.0 : 10.0});
+        BenchRows.push_back(
+            {name, name, name + "/loop", oneVertex ? 1.0 : 500.0, false, false, oneVertex ? 1000.0 : 10.0});
     }
     Add("auto-assign, 300 bones", 5, Auto);
     Add("auto-assign, 300 bones/loop", 2, AutoLoop);

@@ -53,11 +53,6 @@ float GetFloat(std::string_view bytes, size_t at)
     return std::bit_cast<float>(Get(bytes, at, 4));
 }
 
-struct WeightsVertex {
-    Vec3 Place;
-    int16_t Bone = 0;
-};
-
 /// The records that are complete in the file, at most one for each vertex of the mesh.
 std::vector<WeightsVertex> ReadRecords(std::string_view bytes, const MvmMesh& mesh)
 {
@@ -89,37 +84,6 @@ void AssignByIndex(const std::vector<WeightsVertex>& records, MvmMesh* mesh)
         ++number;
         if (CanAssign(record, number)) {
             mesh->VertexBones[number] = record.Bone;
-        }
-    }
-}
-
-/// The last record that reaches a vertex decides, so records are walked backwards and each vertex is taken once.
-void AssignByPosition(const std::vector<WeightsVertex>& records, MvmMesh* mesh)
-{
-    std::vector<const WeightsVertex*> assignable;
-    int32_t number = 0;
-    for (const WeightsVertex& record : records) {
-        if (CanAssign(record, ++number)) {
-            assignable.push_back(&record);
-        }
-    }
-    std::vector<NearPoint> points;
-    for (int32_t v = 1; v <= mesh->VertexBones.Count(); ++v) {
-        const Vec3& place = mesh->Vertices[v];
-        points.push_back({{place.X, place.Y, place.Z}, v});
-    }
-    NearTree tree = BuildNear(std::move(points), true);
-    std::vector<int32_t> taken;
-    std::reverse(assignable.begin(), assignable.end());
-    for (const WeightsVertex* record : assignable) {
-        const Vec3& place = record->Place;
-        taken.clear();
-        TakeInBox(&tree,
-                  {{FloatAbove(place.X - tolerance), FloatAbove(place.Y - tolerance), FloatAbove(place.Z - tolerance)},
-                   {FloatBelow(place.X + tolerance), FloatBelow(place.Y + tolerance), FloatBelow(place.Z + tolerance)}},
-                  &taken);
-        for (const int32_t v : taken) {
-            mesh->VertexBones[v] = record->Bone;
         }
     }
 }
@@ -192,6 +156,37 @@ std::string WeightsBytes(const MvmMesh& mesh)
 }
 
 } // namespace
+
+void AssignByPosition(const std::vector<WeightsVertex>& records, MvmMesh* mesh)
+{
+    std::vector<const WeightsVertex*> assignable;
+    int32_t number = 0;
+    for (const WeightsVertex& record : records) {
+        if (CanAssign(record, ++number)) {
+            assignable.push_back(&record);
+        }
+    }
+    std::vector<NearPoint> points;
+    for (int32_t v = 1; v <= mesh->VertexBones.Count(); ++v) {
+        const Vec3& place = mesh->Vertices[v];
+        points.push_back({{place.X, place.Y, place.Z}, v});
+    }
+    NearTree tree = BuildNear(std::move(points), true);
+    std::vector<int32_t> taken;
+    // The last record that reaches a vertex decides, so records are walked backwards and each vertex is taken once.
+    std::reverse(assignable.begin(), assignable.end());
+    for (const WeightsVertex* record : assignable) {
+        const Vec3& place = record->Place;
+        taken.clear();
+        TakeInBox(&tree,
+                  {{FloatAbove(place.X - tolerance), FloatAbove(place.Y - tolerance), FloatAbove(place.Z - tolerance)},
+                   {FloatBelow(place.X + tolerance), FloatBelow(place.Y + tolerance), FloatBelow(place.Z + tolerance)}},
+                  &taken);
+        for (const int32_t v : taken) {
+            mesh->VertexBones[v] = record->Bone;
+        }
+    }
+}
 
 void SaveWeights(const std::string& file, int16_t mesh)
 {

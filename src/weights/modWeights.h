@@ -2,11 +2,23 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
+
+#include "app/modMvmDef.h"
 
 inline int16_t WeightsAssignMode = 0; ///< answer of the dialog: 0 cancelled, 1 by index, 2 by position
 
 /// Shows the dialog that asks how to assign, and sets WeightsAssignMode. The window implements it.
 void AskWeightsAssignMode();
+
+/// A record of a weights file: where a vertex lay and the number of its bone.
+struct WeightsVertex {
+    Vec3 Place;
+    int16_t Bone = 0;
+};
+/// Gives each vertex of a skin the bone of the last record that lies within 0.002 of it in each axis. Records with
+/// a bone below 0 are passed over, those with one above the skeleton go to the Info Log.
+void AssignByPosition(const std::vector<WeightsVertex>& records, MvmMesh* mesh);
 
 /// Writes the assignments of a valid mesh to a weights file, whole or not at all; says "File saved." or what failed.
 void SaveWeights(const std::string& file, int16_t mesh);
