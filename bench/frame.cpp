@@ -67,9 +67,10 @@ void Close()
     ResetScene();
 }
 
-void Frame(benchmark::State& state, bool sorted, void (*paint)())
+void Frame(benchmark::State& state, bool sorted, bool lines, void (*paint)())
 {
     OpenLargest(sorted);
+    ViewIsolines = ViewNormals = lines;
     for (auto _ : state) {
         paint();
         glFinish();
@@ -307,16 +308,21 @@ void RegisterFrameCases()
             ->Iterations(iterations)
             ->Unit(benchmark::kMillisecond);
     };
-    add("frame, sorted", Frame, 10, true, PaintFrame);
-    add("frame, sorted/plain", Frame, 4, true, plain::PaintFrame);
+    add("frame, sorted", Frame, 10, true, true, PaintFrame);
+    add("frame, sorted/plain", Frame, 4, true, true, plain::PaintFrame);
     add("frame, sorted/arrays", FrameArrays, 10);
-    add("frame, alternating", Frame, 4, false, PaintFrame);
-    add("frame, alternating/plain", Frame, 4, false, plain::PaintFrame);
+    add("frame, alternating", Frame, 4, false, true, PaintFrame);
+    add("frame, alternating/plain", Frame, 4, false, true, plain::PaintFrame);
+    add("frame without lines, sorted", Frame, 10, true, false, PaintFrame);
+    add("frame without lines, sorted/plain", Frame, 4, true, false, plain::PaintFrame);
     add("pick", Pick, 10);
     add("pick/plain", PickPlain, 1);
     BenchRows.push_back({"frame, materials sorted", "frame, sorted", "frame, sorted/plain", 10});
     BenchRows.push_back(
         {"frame, materials sorted, against bare arrays", "frame, sorted", "frame, sorted/arrays", 1.5, true});
     BenchRows.push_back({"frame, materials alternating", "frame, alternating", "frame, alternating/plain", 3});
+    // Filling the pixels of smooth lines costs both forms the same, so the frame is also measured without them.
+    BenchRows.push_back({"frame without isolines and normals, materials sorted", "frame without lines, sorted",
+                         "frame without lines, sorted/plain", 3});
     BenchRows.push_back({"pick over the whole view", "pick", "pick/plain", 10});
 }

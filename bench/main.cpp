@@ -129,9 +129,12 @@ int RunAll(int argc, char** argv)
     const QApplication application(ownArguments, argv);
     PrepareApplication();
     QApplication::setQuitOnLastWindowClosed(false);
-    const std::string self = std::filesystem::canonical("/proc/self/exe").string();
-    MeasureMemory(self);
-    MeasureStart(self);
+    const bool everything = benchmark::GetBenchmarkFilter().empty();
+    if (everything) {
+        const std::string self = std::filesystem::canonical("/proc/self/exe").string();
+        MeasureMemory(self);
+        MeasureStart(self);
+    }
 
     frmMain window;
     window.Start("");

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <tiny_obj_loader.h>
 
 #include "bench.h"
@@ -123,35 +124,60 @@ std::string Printed(const Vec3& v)
     return "(" + Printed(v.X) + "," + Printed(-v.Z) + "," + Printed(v.Y) + ")";
 }
 
+void WriteScene(std::ostream& file)
+{
+    file << "fileinfo\r\n{\r\n formatversion = 1.0.2\r\n}\r\n\r\n";
+    for (const MvmBone& bone : Bones) {
+        file << "bone \"" << bone.Name << "\"\r\n{\r\n position = " << Printed(bone.Position)
+             << "\r\n rotation = " << Printed(bone.Rotation) << "\r\n}\r\n\r\n";
+    }
+    for (const MvmMesh& mesh : Meshes) {
+        file << "skin \"" << mesh.Name << "\"\r\n{\r\n";
+        for (int32_t i = 1; i <= mesh.VertexCount(); ++i) {
+            file << " v = " << Printed(mesh.Vertices[i]) << "," << mesh.VertexBones[i] << "\r\n";
+        }
+        for (const Vec2& t : mesh.TexCoords) {
+            file << " t = (" << Printed(t.U) << "," << Printed(t.V) << ")\r\n";
+        }
+        for (const Vec3& n : mesh.Normals) {
+            file << " n = " << Printed(n) << "\r\n";
+        }
+        for (const MvmFace& f : mesh.Faces) {
+            file << " f = (" << f.Vertex[0] << "," << f.Vertex[1] << "," << f.Vertex[2] << "),(" << f.TexCoord[0] << ","
+                 << f.TexCoord[1] << "," << f.TexCoord[2] << "),(" << f.Normal[0] << "," << f.Normal[1] << ","
+                 << f.Normal[2] << ")," << f.Material << "\r\n";
+        }
+        file << "}\r\n\r\n";
+    }
+}
+
 void WriteStreams(benchmark::State& state)
 {
     FillScene(20, 300, 8, true);
     const std::string path = TemporaryFile("streamed.mvm", "");
     for (auto _ : state) {
         std::ofstream file(path, std::ios::binary);
-        file << "fileinfo\r\n{\r\n formatversion = 1.0.2\r\n}\r\n\r\n";
-        for (const MvmBone& bone : Bones) {
-            file << "bone \"" << bone.Name << "\"\r\n{\r\n position = " << Printed(bone.Position)
-                 << "\r\n rotation = " << Printed(bone.Rotation) << "\r\n}\r\n\r\n";
-        }
-        for (const MvmMesh& mesh : Meshes) {
-            file << "skin \"" << mesh.Name << "\"\r\n{\r\n";
-            for (int32_t i = 1; i <= mesh.VertexCount(); ++i) {
-                file << " v = " << Printed(mesh.Vertices[i]) << "," << mesh.VertexBones[i] << "\r\n";
-            }
-            for (const Vec2& t : mesh.TexCoords) {
-                file << " t = (" << Printed(t.U) << "," << Printed(t.V) << ")\r\n";
-            }
-            for (const Vec3& n : mesh.Normals) {
-                file << " n = " << Printed(n) << "\r\n";
-            }
-            for (const MvmFace& f : mesh.Faces) {
-                file << " f = (" << f.Vertex[0] << "," << f.Vertex[1] << "," << f.Vertex[2] << "),(" << f.TexCoord[0]
-                     << "," << f.TexCoord[1] << "," << f.TexCoord[2] << "),(" << f.Normal[0] << "," << f.Normal[1]
-                     << "," << f.Normal[2] << ")," << f.Material << "\r\n";
-            }
-            file << "}\r\n\r\n";
-        }
+        WriteScene(file);
+    }
+    ResetScene();
+}
+
+void Text(benchmark::State& state)
+{
+    FillScene(20, 300, 8, true);
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(ModelText());
+    }
+    ResetScene();
+}
+
+void TextStreams(benchmark::State& state)
+{
+    FillScene(20, 300, 8, true);
+    for (auto _ : state) {
+        std::ostringstream text;
+        WriteScene(text);
+        benchmark::DoNotOptimize(text.str().size());
     }
     ResetScene();
 }
@@ -179,6 +205,8 @@ void RegisterModelCases()
     add("load/lines", SplitLines, 10);
     add("write", Write, 3);
     add("write/streams", WriteStreams, 1);
+    add("text", Text, 3);
+    add("text/streams", TextStreams, 1);
     const std::string part(1 << 16, 'x');
     std::string line = "bone \"a\"\r\n{\r\n ";
     while (line.size() < (1U << 20)) {

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdlib>
 
 #include <QLabel>
 #include <QLineEdit>
@@ -18,6 +19,7 @@ using Clock = std::chrono::steady_clock;
 
 int32_t progressMaximum = 1;
 Clock::time_point lastPump;
+int32_t lastLook = 0; ///< the value at which the clock was read
 
 bool PumpIsDue()
 {
@@ -44,6 +46,7 @@ void ProgressBegin(int32_t maximum)
 {
     progressMaximum = std::max(maximum, 1);
     lastPump = Clock::now();
+    lastLook = 0;
     if (frmMain* window = MainForm()) {
         window->BeginBusy();
         window->pgbProgress->setRange(0, progressMaximum);
@@ -57,6 +60,12 @@ void ProgressStep(int32_t value)
 {
     const int32_t held = std::clamp(value, 1, progressMaximum);
     const bool last = held == progressMaximum;
+    // Short steps come by the million, so the clock is read some thousand times in an operation at most.
+    const bool close = std::abs(held - lastLook) < progressMaximum / 4096;
+    if (!last && close) {
+        return;
+    }
+    lastLook = held;
     if (!last && !PumpIsDue()) {
         return;
     }

@@ -73,11 +73,11 @@ void BuildNode(NearTree* tree, size_t node, size_t begin, size_t end, bool activ
         }
         first = std::min(first, point.Index);
     }
-    tree->Nodes[node] = {box, first, active ? static_cast<int32_t>(end - begin) : 0};
+    const size_t axis = WidestAxis(box);
+    tree->Nodes[node] = {box, first, active ? static_cast<int32_t>(end - begin) : 0, static_cast<int32_t>(axis)};
     if (end - begin <= leafSize) {
         return;
     }
-    const size_t axis = WidestAxis(box);
     const size_t middle = (begin + end) / 2;
     const auto points = tree->Points.begin();
     std::nth_element(points + static_cast<ptrdiff_t>(begin), points + static_cast<ptrdiff_t>(middle),
@@ -87,16 +87,24 @@ void BuildNode(NearTree* tree, size_t node, size_t begin, size_t end, bool activ
     BuildNode(tree, 2 * node + 1, middle, end, active);
 }
 
-/// Gives the number of points taken below the node.
+/// Gives the number of points taken below the node. On the way down only the axis of each split is looked at, which
+/// the narrow boxes of most searches make enough.
 int32_t TakeBelow(NearTree* tree, size_t node, size_t begin, size_t end, const NearBox& box,
                   std::vector<int32_t>* taken)
 {
-    const NearNode& here = tree->Nodes[node];
-    if (here.Active == 0 || Apart(here.Box, box)) {
-        return 0;
-    }
     int32_t count = 0;
-    if (end - begin <= leafSize) {
+    if (end - begin > leafSize) {
+        const size_t middle = (begin + end) / 2;
+        const auto axis = static_cast<size_t>(tree->Nodes[node].Axis);
+        const NearNode& left = tree->Nodes[2 * node];
+        const NearNode& right = tree->Nodes[2 * node + 1];
+        if (left.Active != 0 && left.Box.High[axis] >= box.Low[axis]) {
+            count += TakeBelow(tree, 2 * node, begin, middle, box, taken);
+        }
+        if (right.Active != 0 && right.Box.Low[axis] <= box.High[axis]) {
+            count += TakeBelow(tree, 2 * node + 1, middle, end, box, taken);
+        }
+    } else if (!Apart(tree->Nodes[node].Box, box)) {
         for (size_t slot = begin; slot < end; ++slot) {
             if (tree->Active[slot] != 0 && Inside(box, tree->Points[slot].Place)) {
                 tree->Active[slot] = 0;
@@ -104,10 +112,6 @@ int32_t TakeBelow(NearTree* tree, size_t node, size_t begin, size_t end, const N
                 ++count;
             }
         }
-    } else {
-        const size_t middle = (begin + end) / 2;
-        count = TakeBelow(tree, 2 * node, begin, middle, box, taken) +
-                TakeBelow(tree, 2 * node + 1, middle, end, box, taken);
     }
     tree->Nodes[node].Active -= count;
     return count;
@@ -225,7 +229,7 @@ void ActivatePoint(NearTree* tree, int32_t index)
 
 void TakeInBox(NearTree* tree, const NearBox& box, std::vector<int32_t>* taken)
 {
-    if (!tree->Points.empty()) {
+    if (!tree->Points.empty() && tree->Nodes[1].Active != 0 && !Apart(tree->Nodes[1].Box, box)) {
         TakeBelow(tree, 1, 0, tree->Points.size(), box, taken);
     }
 }

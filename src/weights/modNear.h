@@ -25,6 +25,7 @@ struct NearNode {
     NearBox Box;        ///< the smallest box around its points
     int32_t First = 0;  ///< lowest index among its points
     int32_t Active = 0; ///< points below it that can still be taken
+    int32_t Axis = 0;   ///< its halves lie below and above each other on this axis
 };
 
 /// Points that searches find. Node 1 is the root, node k has the halves 2k and 2k + 1.
