@@ -230,5 +230,5 @@ void RegisterModelCases()
     BenchRows.push_back(
         {"load a line of a megabyte, against the largest model", "load a line of a megabyte", "load", 3, true, true});
     BenchRows.push_back({"load a million empty blocks, against the largest model", "load a million empty blocks",
-                         "load", 15, true, true});
+                         "load", 30, true, true, 1000});
 }
