@@ -1,9 +1,9 @@
 # Installation: the program and its folders lie together under lib/beastwright, with a link in bin. CPack makes the .deb.
 
 install(TARGETS beastwright RUNTIME DESTINATION lib/beastwright)
-install(DIRECTORY assets/alias assets/presets DESTINATION lib/beastwright)
-install(DIRECTORY assets/readme/ DESTINATION lib/beastwright)
-install(DIRECTORY samples/vorrel samples/tutorial DESTINATION lib/beastwright/samples)
+install(DIRECTORY assets/alias assets/presets DESTINATION lib/beastwright PATTERN ".*" EXCLUDE)
+install(DIRECTORY assets/readme/ DESTINATION lib/beastwright PATTERN ".*" EXCLUDE)
+install(DIRECTORY samples/vorrel samples/tutorial DESTINATION lib/beastwright/samples PATTERN ".*" EXCLUDE)
 
 file(CREATE_LINK ../lib/beastwright/beastwright ${CMAKE_BINARY_DIR}/packaging-link SYMBOLIC)
 install(FILES ${CMAKE_BINARY_DIR}/packaging-link DESTINATION bin RENAME beastwright)
@@ -12,7 +12,6 @@ install(FILES packaging/example.beastwright.Beastwright.desktop DESTINATION shar
 install(FILES packaging/example.beastwright.Beastwright.metainfo.xml DESTINATION share/metainfo)
 install(FILES packaging/beastwright-mime.xml DESTINATION share/mime/packages RENAME beastwright.xml)
 install(FILES LICENSE DESTINATION share/doc/beastwright RENAME copyright)
-install(FILES CHANGELOG.md DESTINATION share/doc/beastwright)
 foreach(size 16 24 32 48 64 128 256)
   foreach(name apps/beastwright mimetypes/application-x-morvane-model mimetypes/application-x-beastwright-weights)
     get_filename_component(folder ${name} DIRECTORY)
@@ -22,12 +21,21 @@ foreach(size 16 24 32 48 64 128 256)
   endforeach()
 endforeach()
 install(FILES assets/icon/beastwright.svg DESTINATION share/icons/hicolor/scalable/apps)
+foreach(type application-x-morvane-model application-x-beastwright-weights)
+  install(FILES assets/icon/beastwright.svg DESTINATION share/icons/hicolor/scalable/mimetypes RENAME ${type}.svg)
+endforeach()
 
 find_program(GZIP gzip)
 if(GZIP)
-  execute_process(COMMAND ${GZIP} -9nc ${CMAKE_SOURCE_DIR}/packaging/beastwright.1
-    OUTPUT_FILE ${CMAKE_BINARY_DIR}/beastwright.1.gz)
+  configure_file(packaging/changelog.in ${CMAKE_BINARY_DIR}/changelog @ONLY)
+  foreach(text ${CMAKE_SOURCE_DIR}/packaging/beastwright.1 ${CMAKE_SOURCE_DIR}/CHANGELOG.md ${CMAKE_BINARY_DIR}/changelog)
+    get_filename_component(name ${text} NAME)
+    execute_process(COMMAND ${GZIP} -9nc ${text} OUTPUT_FILE ${CMAKE_BINARY_DIR}/${name}.gz COMMAND_ERROR_IS_FATAL ANY)
+  endforeach()
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS packaging/beastwright.1 CHANGELOG.md)
   install(FILES ${CMAKE_BINARY_DIR}/beastwright.1.gz DESTINATION share/man/man1)
+  install(FILES ${CMAKE_BINARY_DIR}/changelog.gz DESTINATION share/doc/beastwright)
+  install(FILES ${CMAKE_BINARY_DIR}/CHANGELOG.md.gz DESTINATION share/doc/beastwright RENAME NEWS.md.gz)
 endif()
 
 set(CPACK_GENERATOR DEB)
@@ -35,17 +43,21 @@ set(CPACK_PACKAGE_NAME beastwright)
 set(CPACK_PACKAGE_VENDOR "The Beastwright developers")
 set(CPACK_PACKAGE_CONTACT "The Beastwright developers <developers@beastwright.example>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Bone assignments for creature models")
-set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "Bone assignments for creature models
- Beastwright opens a creature's text model file (.mvm), shows it in a 3D view
- and gives each vertex of its skin and of its shadow to one bone: with a click
- or a box in the view, by mirroring, swapping, re-assigning or automatic
- assignment. It saves model files and binary weights files (.wif), makes new
- normals and prints reports.")
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
+"Beastwright opens a creature's text model file (.mvm), shows it in a 3D view
+and gives each vertex of its skin and of its shadow to one bone: with a click
+or a box in the view, by mirroring, swapping, re-assigning or automatic
+assignment. It saves model files and binary weights files (.wif), makes new
+normals and prints reports.")
 set(CPACK_PACKAGE_HOMEPAGE_URL "https://beastwright.example/")
 set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libgl1-mesa-dri, fonts-liberation | fonts-dejavu-core")
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-utils, qt6-wayland")
+# The desktop's files need what reads them: those packages bring the triggers that keep its databases.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
+  "xdg-utils, qt6-wayland, shared-mime-info, desktop-file-utils, hicolor-icon-theme")
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)

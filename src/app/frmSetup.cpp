@@ -14,7 +14,7 @@ void PrepareApplication()
     // The application object has set the locale of the C library from the environment.
     std::setlocale(LC_NUMERIC, "C");
     QApplication::setApplicationName(QStringLiteral("beastwright"));
-    QGuiApplication::setDesktopFileName(QStringLiteral("beastwright"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("example.beastwright.Beastwright"));
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setFont(WindowFont());
     QSurfaceFormat::setDefaultFormat(ViewFormat());

@@ -127,6 +127,7 @@ public:
 
     // The widgets, named as in the menus and messages of the program.
     QWidget* picMain = nullptr;
+    QWidget* viewEdge = nullptr; ///< below the view; its rim shows that the view has the focus
     QTabWidget* tabMain = nullptr;
     QWidget* tlbMain = nullptr;
     std::array<QToolButton*, 4> toolButtons{};

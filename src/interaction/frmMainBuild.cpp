@@ -42,6 +42,18 @@ QLabel* AddLabel(QWidget* parent, const char* name, const char* caption, QRect p
     return label;
 }
 
+/// Makes the button that is down the one of its group that Tab stops at; the arrow keys go to the others.
+void StopAtChecked(QButtonGroup* group, Qt::FocusPolicy others)
+{
+    const auto set = [others](QAbstractButton* button, bool down) {
+        button->setFocusPolicy(down ? static_cast<Qt::FocusPolicy>(others | Qt::TabFocus) : others);
+    };
+    for (QAbstractButton* button : group->buttons()) {
+        set(button, button->isChecked());
+    }
+    QObject::connect(group, &QButtonGroup::buttonToggled, group, set);
+}
+
 /// Push buttons of which one is down; the group tells the index of each press, also of the one that is down already.
 template <size_t N>
 QButtonGroup* AddOptions(QWidget* parent, const char* name, const std::array<const char*, N>& captions,
@@ -56,6 +68,7 @@ QButtonGroup* AddOptions(QWidget* parent, const char* name, const std::array<con
         group->addButton(button, static_cast<int>(i));
         (*buttons)[i] = button;
     }
+    StopAtChecked(group, Qt::ClickFocus);
     return group;
 }
 
@@ -65,6 +78,7 @@ QFrame* AddGroup(QWidget* parent, const char* name, QSize size)
     frame->setObjectName(QString::fromUtf8(name));
     frame->resize(size);
     frame->setBackgroundRole(QPalette::Button);
+    frame->setForegroundRole(QPalette::ButtonText);
     frame->setAutoFillBackground(true);
     return frame;
 }
@@ -103,6 +117,9 @@ frmMain::~frmMain()
 
 void frmMain::BuildView()
 {
+    viewEdge = new QWidget(centralWidget());
+    viewEdge->setObjectName(QStringLiteral("viewEdge"));
+    viewEdge->setBackgroundRole(QPalette::Highlight);
     if (CanHaveView()) {
         picMain = new GLView(centralWidget());
     } else {
@@ -144,11 +161,11 @@ void frmMain::BuildPanel()
         button->setIconSize(QSize(16, 16));
         button->setCheckable(true);
         button->setAutoRaise(true);
-        button->setFocusPolicy(Qt::TabFocus);
         button->setGeometry(static_cast<int>(i) * 23, 2, 23, 22);
         group->addButton(button, static_cast<int>(i));
         toolButtons[i] = button;
     }
+    StopAtChecked(group, Qt::NoFocus);
     connect(group, &QButtonGroup::idClicked, this, [this](int tool) { SetToolMode(static_cast<int16_t>(tool)); });
 }
 

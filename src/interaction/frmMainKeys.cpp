@@ -1,3 +1,6 @@
+#include <array>
+#include <cstring>
+
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QTabBar>
@@ -17,17 +20,39 @@ namespace {
 
 constexpr int32_t codeCtrl = 17;
 constexpr int32_t codeF11 = 122;
-constexpr quint32 scanCodeOfDigit1 = 10;
 
-/// The code of the digit key under the finger, whatever a held Shift or the layout makes of it; 0 for other keys.
-int32_t DigitOfScanCode(const QKeyEvent& event)
+/// The keys of a Latin keyboard by their place: what lies on a row, from the scan code of its first key on.
+struct KeyRow {
+    quint32 First;
+    const char* Keys;
+};
+constexpr KeyRow digitRow = {10, "1234"};
+constexpr std::array<KeyRow, 3> letterRows = {{{24, "QWERTYUIOP"}, {38, "ASDFGHJKL"}, {52, "ZXCVBNM"}}};
+
+int32_t KeyInRow(const KeyRow& row, quint32 scan)
+{
+    const bool held = scan >= row.First && scan - row.First < std::strlen(row.Keys);
+    return held ? row.Keys[scan - row.First] : 0;
+}
+
+/// The code of the key under the finger where the layout gives none: a digit that Shift or the layout has made a sign,
+/// a letter of an alphabet other than the Latin one. 0 for other keys.
+int32_t CodeOfPlace(const QKeyEvent& event)
 {
     static const bool known = QGuiApplication::platformName() == QStringLiteral("xcb") ||
                               QGuiApplication::platformName().startsWith(QStringLiteral("wayland"));
-    const quint32 scan = event.nativeScanCode();
-    return known && scan >= scanCodeOfDigit1 && scan < scanCodeOfDigit1 + 4
-               ? static_cast<int32_t>('1' + (scan - scanCodeOfDigit1))
-               : 0;
+    if (!known) {
+        return 0;
+    }
+    constexpr int lastLatin = 0x24F;
+    if (event.key() > lastLatin && event.key() < Qt::Key_Escape) {
+        for (const KeyRow& row : letterRows) {
+            if (const int32_t key = KeyInRow(row, event.nativeScanCode())) {
+                return key;
+            }
+        }
+    }
+    return KeyInRow(digitRow, event.nativeScanCode());
 }
 
 int32_t CodeOf(const QKeyEvent& event)
@@ -45,7 +70,7 @@ int32_t CodeOf(const QKeyEvent& event)
     if ((key >= Qt::Key_A && key <= Qt::Key_Z) || (key >= Qt::Key_0 && key <= Qt::Key_9)) {
         return key;
     }
-    return DigitOfScanCode(event);
+    return CodeOfPlace(event);
 }
 
 } // namespace
@@ -159,6 +184,11 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event)
         return QMainWindow::eventFilter(watched, event);
     }
     switch (event->type()) {
+    case QEvent::FocusIn:
+    case QEvent::FocusOut:
+        viewEdge->setAutoFillBackground(event->type() == QEvent::FocusIn);
+        viewEdge->update();
+        return false;
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
     case QEvent::MouseButtonRelease: {

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 
 #include <QLabel>
 #include <QLineEdit>
@@ -23,6 +24,14 @@ constexpr int statusHeight = 19;
 constexpr int countPanelWidth = 200;
 constexpr int leastTextPanelWidth = 96;
 
+/// What two opposite sides of the frame take at least. The toolkit tells each rounded from the pixels of the screen, so
+/// at a scale that leaves parts of pixels the frame may be thinner than it says.
+int LeastFrame(int one, int other, double scale)
+{
+    const auto pixels = [scale](int side) { return std::max(std::ceil((side - 0.5) * scale), 0.0); };
+    return static_cast<int>(std::floor((pixels(one) + pixels(other)) / scale));
+}
+
 } // namespace
 
 void frmMain::LayOut()
@@ -32,6 +41,7 @@ void frmMain::LayOut()
     const int w = clientWidth - 183;
     const int h = clientHeight - 49;
     picMain->setGeometry(2, 2, std::max(w, 1), std::max(h + 26, 1));
+    viewEdge->setGeometry(picMain->geometry().adjusted(-1, -1, 1, 1));
     tabMain->setGeometry(w + 6, 2, 175, h);
     tlbMain->setGeometry(w + 6, h + 4, 175, 26);
     fraViewing->move(w + 12, 27);
@@ -62,8 +72,9 @@ void frmMain::FitFrame()
     }
     const bool first = frameMargins.isNull() && size() == minimumSize();
     frameMargins = frame;
-    const QSize least(leastOuterSize.width() - frame.left() - frame.right(),
-                      leastOuterSize.height() - frame.top() - frame.bottom());
+    const double scale = devicePixelRatioF();
+    const QSize least(leastOuterSize.width() - LeastFrame(frame.left(), frame.right(), scale),
+                      leastOuterSize.height() - LeastFrame(frame.top(), frame.bottom(), scale));
     setMinimumSize(least);
     if (first) {
         resize(least);
