@@ -6,6 +6,7 @@ build_packages="g++ cmake ninja-build ccache qt6-base-dev libqt6opengl6-dev libg
 run_packages="libgl1-mesa-dri fonts-dejavu-core fonts-liberation"
 headless_packages="xvfb xauth openbox"
 test_packages="libgtest-dev libgmock-dev"
+picture_packages="xdotool x11-utils imagemagick"
 
 say() { printf '\n== %s\n' "$*"; }
 
@@ -45,7 +46,7 @@ build_preset() {
 start_virtual_screen() {
     local number
     number=$(mktemp)
-    Xvfb -displayfd 9 -screen 0 1280x1024x24 -nolisten tcp 9>"$number" >/dev/null 2>&1 &
+    Xvfb -displayfd 9 -screen 0 1280x1024x24 -nolisten tcp -noreset 9>"$number" >/dev/null 2>&1 &
     virtual_screen=$!
     for _ in $(seq 100); do
         [ -s "$number" ] && break
