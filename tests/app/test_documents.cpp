@@ -1,0 +1,211 @@
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
+
+// What the documents name has to be there: files, folders, names of the code, targets, presets, menu entries.
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path root = SOURCE_FOLDER;
+const std::vector<std::string> documents = {"README.md", "CONTRIBUTING.md", "docs/architecture.md", "docs/formats.md"};
+
+std::string TextOf(const fs::path& file)
+{
+    std::ifstream in(file, std::ios::binary);
+    EXPECT_TRUE(in) << file;
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+/// The first group of every match.
+std::vector<std::string> Matches(const std::string& text, const char* pattern)
+{
+    const std::regex expression(pattern);
+    std::vector<std::string> found;
+    for (std::sregex_iterator match(text.begin(), text.end(), expression), end; match != end; ++match) {
+        found.push_back((*match)[1].str());
+    }
+    return found;
+}
+
+std::string Manual()
+{
+    return std::regex_replace(TextOf(root / "assets/readme/readme.html"), std::regex("\\s+"), " ");
+}
+
+/// Names of all files below the folders that hold code.
+std::set<std::string> FileNames()
+{
+    std::set<std::string> names;
+    for (const char* folder : {"src", "tests", "bench", "fuzz"}) {
+        for (const auto& entry : fs::recursive_directory_iterator(root / folder)) {
+            names.insert(entry.path().filename().string());
+        }
+    }
+    return names;
+}
+
+/// Whatever looks like a name in the code, the build files and the scripts.
+std::set<std::string> NamesOfTheCode()
+{
+    std::set<std::string> names;
+    const auto collect = [&names](const fs::path& file) {
+        std::string name;
+        for (const char letter : TextOf(file) + " ") {
+            if (std::isalnum(static_cast<unsigned char>(letter)) != 0 || letter == '_') {
+                name += letter;
+            } else {
+                names.insert(name);
+                name.clear();
+            }
+        }
+    };
+    const fs::path self = "test_documents.cpp";
+    for (const char* folder : {"src", "tests", "bench", "fuzz", "scripts"}) {
+        for (const auto& entry : fs::recursive_directory_iterator(root / folder)) {
+            if (entry.is_regular_file() && entry.path().filename() != self) {
+                collect(entry.path());
+            }
+        }
+    }
+    for (const std::string& file : FileNames()) {
+        names.insert(file.substr(0, file.find('.')));
+    }
+    collect(root / "CMakeLists.txt");
+    collect(root / "CMakePresets.json");
+    return names;
+}
+
+bool IsThere(const fs::path& folder, const std::string& name)
+{
+    return fs::exists(folder / name) || fs::exists(root / name) || fs::exists(root / "src" / name);
+}
+
+/// What a Markdown document sets as code: spans between back quotes and fenced blocks.
+std::string CodeOf(const std::string& document)
+{
+    std::string code;
+    for (const std::string& block : Matches(document, "```([^`]*)```")) {
+        code += std::regex_replace(block, std::regex("#[^\n]*"), "") + "\n";
+    }
+    const std::string rest = std::regex_replace(document, std::regex("```[^`]*```"), "");
+    for (const std::string& span : Matches(rest, "`([^`\n]+)`")) {
+        code += span + "\n";
+    }
+    return code;
+}
+
+} // namespace
+
+TEST(Documents, LinksAndPicturesLeadSomewhere)
+{
+    size_t links = 0;
+    for (const std::string& name : documents) {
+        for (const std::string& target : Matches(TextOf(root / name), "\\]\\(([^)#:]+)\\)")) {
+            links++;
+            EXPECT_TRUE(fs::exists((root / name).parent_path() / target)) << name << ": " << target;
+        }
+    }
+    EXPECT_GT(links, 5U);
+    EXPECT_FALSE(Matches(TextOf(root / "README.md"), "!\\[[^\\]]*\\]\\(([^)]+)\\)").empty());
+}
+
+TEST(Documents, FilesAndFoldersAreThere)
+{
+    const std::set<std::string> names = FileNames();
+    size_t paths = 0;
+    for (const std::string& name : documents) {
+        const std::string code = CodeOf(TextOf(root / name));
+        for (const std::string& path : Matches(code, "(?:^|\\s)([\\w.][\\w.-]*/[\\w./-]*)(?=\\s)")) {
+            paths++;
+            EXPECT_TRUE(IsThere(root, path)) << name << ": " << path;
+        }
+        for (const std::string& path : Matches(code, "(?:^|\\s)([\\w./]+)/\\*")) {
+            EXPECT_TRUE(IsThere(root, path)) << name << ": " << path;
+        }
+        for (const std::string& file : Matches(code, "(?:^|\\s)(\\w+\\.(?:h|cpp|cmake))(?=\\s)")) {
+            EXPECT_TRUE(names.contains(file)) << name << ": " << file;
+        }
+    }
+    EXPECT_GT(paths, 20U);
+}
+
+TEST(Documents, NamesOfTheCodeExist)
+{
+    const std::set<std::string> names = NamesOfTheCode();
+    const std::string presets = TextOf(root / "CMakePresets.json");
+    size_t found = 0;
+    for (const std::string& document : documents) {
+        const std::string code = CodeOf(TextOf(root / document));
+        // Names with a capital or an underscore inside: operations, globals, widgets, targets.
+        for (const std::string& name : Matches(code, "\\b(\\w*[a-z0-9](?:[A-Z]|_[a-z])\\w*)\\b")) {
+            found++;
+            EXPECT_TRUE(names.contains(name)) << document << ": " << name;
+        }
+        for (const std::string& preset : Matches(code, "--preset[ =](\\w+)")) {
+            EXPECT_NE(presets.find("\"name\": \"" + preset + "\""), std::string::npos) << document << ": " << preset;
+        }
+    }
+    EXPECT_GT(found, 20U);
+}
+
+TEST(Documents, ManualLeadsSomewhere)
+{
+    const std::string manual = Manual();
+    const fs::path folder = root / "assets/readme";
+    std::set<std::string> pictures;
+    for (const std::string& picture : Matches(manual, "src=\"([^\"]*)\"")) {
+        EXPECT_TRUE(fs::exists(folder / picture)) << picture;
+        pictures.insert(picture);
+    }
+    EXPECT_GT(pictures.size(), 5U);
+    for (const std::string& anchor : Matches(manual, "href=\"#([^\"]*)\"")) {
+        EXPECT_NE(manual.find("id=\"" + anchor + "\""), std::string::npos) << anchor;
+    }
+    EXPECT_TRUE(Matches(manual, "href=\"([^#\"][^\"]*)\"").empty()) << "The manual stands alone.";
+
+    for (std::string path : Matches(manual, "<code>([\\w./-]+/[\\w./-]+)</code>")) {
+        // The installed folders are those of the source.
+        const std::string installed = "/usr/lib/beastwright/";
+        if (path.starts_with(installed)) {
+            path.erase(0, installed.size());
+        }
+        EXPECT_TRUE(fs::exists(root / path)) << path;
+    }
+    for (const auto& entry : fs::directory_iterator(folder / "pictures")) {
+        const std::string name = "pictures/" + entry.path().filename().string();
+        const bool shown = pictures.contains(name) || TextOf(root / "README.md").find(name) != std::string::npos;
+        EXPECT_TRUE(shown) << name << " is shown nowhere";
+    }
+}
+
+TEST(Documents, ManualDescribesEveryMenuEntry)
+{
+    const std::string manual = Manual();
+    std::string headings;
+    for (const std::string& heading : Matches(manual, "<h2[^>]*>([^<]*)</h2>")) {
+        headings += " " + heading + " ";
+    }
+    const std::string table = TextOf(root / "src/interaction/frmMainMenu.cpp");
+    size_t entries = 0;
+    for (const std::string& row : Matches(table, "\\{(\\d, \"mnu\\w+\", \"[^\"]+\")")) {
+        const std::string quoted = row.substr(row.find(", \"", row.find('"')) + 3);
+        const std::string caption = std::regex_replace(quoted.substr(0, quoted.size() - 1), std::regex("&"), "");
+        entries++;
+        if (row.front() == '0') {
+            EXPECT_NE(headings.find(" " + caption + " "), std::string::npos) << caption;
+            continue;
+        }
+        const bool described = manual.find("<dt>" + caption + "</dt>") != std::string::npos ||
+                               manual.find("<b>" + caption + "</b>") != std::string::npos;
+        EXPECT_TRUE(described) << caption;
+    }
+    EXPECT_GT(entries, 40U);
+}
