@@ -5,6 +5,7 @@
 #include <new>
 #include <stdexcept>
 
+#include "app/modBytes.h"
 #include "app/modStatus.h"
 #include "platform/modFiles.h"
 #include "render/modMath.h"
@@ -37,11 +38,7 @@ bool ReadNumber(std::string_view bytes, size_t offset, T* value)
     if (bytes.size() < offset + sizeof(T)) {
         return false;
     }
-    uint32_t bits = 0;
-    for (size_t i = 0; i < sizeof(T); ++i) {
-        bits |= static_cast<uint32_t>(ByteAt(bytes, offset + i)) << (8 * i);
-    }
-    *value = static_cast<T>(bits);
+    *value = LittleEndian<T>(bytes, offset);
     return true;
 }
 

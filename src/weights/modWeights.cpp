@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/modBytes.h"
 #include "app/modMvmDef.h"
 #include "app/modStatus.h"
 #include "app/modVersion.h"
@@ -34,23 +35,9 @@ void Put(std::string* bytes, uint32_t value, int size)
     }
 }
 
-uint32_t Get(std::string_view bytes, size_t at, size_t size)
-{
-    uint32_t value = 0;
-    for (size_t i = size; i > 0; --i) {
-        value = value << 8U | static_cast<unsigned char>(bytes[at + i - 1]);
-    }
-    return value;
-}
-
-int16_t GetShort(std::string_view bytes, size_t at)
-{
-    return static_cast<int16_t>(Get(bytes, at, 2));
-}
-
 float GetFloat(std::string_view bytes, size_t at)
 {
-    return std::bit_cast<float>(Get(bytes, at, 4));
+    return std::bit_cast<float>(LittleEndian<uint32_t>(bytes, at));
 }
 
 /// The records that are complete in the file, at most one for each vertex of the mesh.
@@ -60,7 +47,8 @@ std::vector<WeightsVertex> ReadRecords(std::string_view bytes, const MvmMesh& me
     std::vector<WeightsVertex> records(std::min(whole, mesh.VertexBones.Items.size()));
     size_t at = headerSize;
     for (WeightsVertex& record : records) {
-        record = {{GetFloat(bytes, at), GetFloat(bytes, at + 4), GetFloat(bytes, at + 8)}, GetShort(bytes, at + 12)};
+        record = {{GetFloat(bytes, at), GetFloat(bytes, at + 4), GetFloat(bytes, at + 8)},
+                  LittleEndian<int16_t>(bytes, at + 12)};
         at += recordSize;
     }
     return records;
@@ -109,13 +97,13 @@ bool CheckHeader(std::string_view bytes, const MvmMesh& mesh)
         ShowMessage(BoxIcon::Warning, "File is not an weight information file.");
         return false;
     }
-    const bool sameVersion = GetShort(bytes, versionAt) == VersionMajor &&
-                             GetShort(bytes, versionAt + 2) == VersionMinor &&
-                             GetShort(bytes, versionAt + 4) == VersionRevision;
+    const bool sameVersion = LittleEndian<int16_t>(bytes, versionAt) == VersionMajor &&
+                             LittleEndian<int16_t>(bytes, versionAt + 2) == VersionMinor &&
+                             LittleEndian<int16_t>(bytes, versionAt + 4) == VersionRevision;
     if (!sameVersion && !ConfirmVersion()) {
         return false;
     }
-    if (GetShort(bytes, boneCountAt) != BoneCount() &&
+    if (LittleEndian<int16_t>(bytes, boneCountAt) != BoneCount() &&
         !Confirm("Number of bones in the weight information file do not match loaded number of bones.")) {
         return false;
     }
@@ -124,7 +112,7 @@ bool CheckHeader(std::string_view bytes, const MvmMesh& mesh)
     if (name != mesh.Name && !Confirm("Name of current mesh does not match weight information file.")) {
         return false;
     }
-    const auto vertexCount = static_cast<int32_t>(Get(bytes, vertexCountAt, 4));
+    const auto vertexCount = LittleEndian<int32_t>(bytes, vertexCountAt);
     return vertexCount == mesh.VertexCount() ||
            Confirm("Number of vertices of current mesh does not match weight information file.");
 }
