@@ -13,6 +13,7 @@
 #include "model/modMvmRead.h"
 #include "platform/modDialogs.h"
 #include "platform/modFiles.h"
+#include "platform/qt/modDialogParts.h"
 #include "platform/qt/modFit.h"
 #include "platform/qt/modOwner.h"
 #include "render/modRedraw.h"
@@ -73,6 +74,7 @@ NewDialog::NewDialog(QWidget* owner)
     lstPresets = new QListWidget(this);
     lstPresets->setObjectName(QStringLiteral("lstPresets"));
     lstPresets->setGeometry(4, 68, 225, 108);
+    KeepRowSelected(lstPresets);
     cmdOK = Place<QPushButton>(this, "cmdOK", "OK", {164, 182, 65, 25});
     auto* cmdCancel = Place<QPushButton>(this, "cmdCancel", "Cancel", {92, 182, 65, 25});
 
@@ -127,12 +129,7 @@ void NewDialog::Browse()
 
 void NewDialog::SelectionChanged()
 {
-    if (lstPresets->selectedItems().isEmpty()) {
-        // A click with Ctrl takes the mark off again, and OK could be pressed without a preset.
-        if (QListWidgetItem* row = lstPresets->currentItem(); row != nullptr) {
-            row->setSelected(true);
-        }
-    } else if (!model.empty()) {
+    if (!lstPresets->selectedItems().isEmpty() && !model.empty()) {
         cmdOK->setEnabled(true);
     }
 }

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "platform/qt/modDialogParts.h"
 #include "platform/qt/modFit.h"
 #include "platform/qt/modOwner.h"
 
@@ -25,6 +26,7 @@ int16_t ChooseRow(const ChooserNames& names, int32_t count, int16_t current,
     list->setAccessibleName(QLatin1String(names.Caption));
     list->setUniformItemSizes(true);
     list->setMinimumSize(180, 200);
+    KeepRowSelected(list);
     QStringList rows{QStringLiteral("NONE")};
     const int32_t last = std::min<int32_t>(count, std::numeric_limits<int16_t>::max());
     for (int32_t row = 1; row <= last; ++row) {
@@ -33,21 +35,11 @@ int16_t ChooseRow(const ChooserNames& names, int32_t count, int16_t current,
     list->addItems(rows);
     list->setCurrentRow(current >= 0 && current <= last ? current : 0);
 
-    auto* ok = new QPushButton(QStringLiteral("OK"));
-    ok->setObjectName(QStringLiteral("cmdOK"));
-    ok->setDefault(true);
-    auto* cancel = new QPushButton(QStringLiteral("Cancel"));
-    cancel->setObjectName(QStringLiteral("cmdCancel"));
-    QObject::connect(ok, &QPushButton::clicked, &dialog, &QDialog::accept);
-    QObject::connect(cancel, &QPushButton::clicked, &dialog, &QDialog::reject);
-
-    auto* buttons = new QVBoxLayout;
-    buttons->addWidget(ok);
-    buttons->addWidget(cancel);
-    buttons->addStretch();
+    const OkCancel buttons = MakeOkCancel(&dialog);
+    QObject::connect(buttons.Ok, &QPushButton::clicked, &dialog, &QDialog::accept);
     auto* layout = new QHBoxLayout(&dialog);
     layout->addWidget(list, 1);
-    layout->addLayout(buttons);
+    layout->addLayout(buttons.Column);
     list->setFocus();
 
     if (dialog.exec() != QDialog::Accepted) {

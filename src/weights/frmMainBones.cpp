@@ -2,11 +2,13 @@
 #include <QSignalBlocker>
 
 #include "interaction/frmMain.h"
+#include "platform/qt/modDialogParts.h"
 #include "weights/modEdit.h"
 
 BoneList::BoneList(QWidget* parent) : QListWidget(parent)
 {
     setUniformItemSizes(true);
+    KeepRowSelected(this);
 }
 
 void BoneList::mousePressEvent(QMouseEvent* event)

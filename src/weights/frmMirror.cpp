@@ -11,6 +11,7 @@
 #include <exception>
 
 #include "platform/modDialogs.h"
+#include "platform/qt/modDialogParts.h"
 #include "platform/qt/modFit.h"
 #include "platform/qt/modOwner.h"
 #include "weights/modMirror.h"
@@ -38,13 +39,8 @@ void ShowMirrorDialog()
     note->setObjectName(QStringLiteral("labMisc"));
     note->setWordWrap(true);
 
-    auto* ok = new QPushButton(QStringLiteral("OK"));
-    ok->setObjectName(QStringLiteral("cmdOK"));
-    ok->setDefault(true);
-    auto* cancel = new QPushButton(QStringLiteral("Cancel"));
-    cancel->setObjectName(QStringLiteral("cmdCancel"));
-    QObject::connect(cancel, &QPushButton::clicked, &dialog, &QDialog::reject);
-    QObject::connect(ok, &QPushButton::clicked, &dialog, [&] {
+    const OkCancel buttons = MakeOkCancel(&dialog);
+    QObject::connect(buttons.Ok, &QPushButton::clicked, &dialog, [&] {
         try {
             MirrorWeights({leftToRight->isChecked(), reassign->isChecked(), unassign->isChecked()});
         } catch (const std::exception& error) {
@@ -58,14 +54,10 @@ void ShowMirrorDialog()
                             static_cast<QWidget*>(reassign), static_cast<QWidget*>(unassign)}) {
         choices->addWidget(widget);
     }
-    auto* buttons = new QVBoxLayout;
-    buttons->addWidget(ok);
-    buttons->addWidget(cancel);
-    buttons->addStretch();
     auto* upper = new QHBoxLayout;
     upper->addLayout(choices);
     upper->addSpacing(16);
-    upper->addLayout(buttons);
+    upper->addLayout(buttons.Column);
     auto* layout = new QVBoxLayout(&dialog);
     layout->addLayout(upper);
     layout->addWidget(note);

@@ -4,6 +4,7 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include "platform/qt/modDialogParts.h"
 #include "platform/qt/modFit.h"
 #include "platform/qt/modOwner.h"
 #include "weights/modWeights.h"
@@ -22,26 +23,17 @@ void AskWeightsAssignMode()
     auto* byPosition = new QRadioButton(QStringLiteral("Assign By Position"));
     byPosition->setObjectName(QStringLiteral("optAssignMode1"));
 
-    auto* ok = new QPushButton(QStringLiteral("OK"));
-    ok->setObjectName(QStringLiteral("cmdOK"));
-    ok->setDefault(true);
-    auto* cancel = new QPushButton(QStringLiteral("Cancel"));
-    cancel->setObjectName(QStringLiteral("cmdCancel"));
-    QObject::connect(ok, &QPushButton::clicked, &dialog, &QDialog::accept);
-    QObject::connect(cancel, &QPushButton::clicked, &dialog, &QDialog::reject);
+    const OkCancel buttons = MakeOkCancel(&dialog);
+    QObject::connect(buttons.Ok, &QPushButton::clicked, &dialog, &QDialog::accept);
 
     auto* choices = new QVBoxLayout;
     choices->addWidget(byIndex);
     choices->addWidget(byPosition);
     choices->addStretch();
-    auto* buttons = new QVBoxLayout;
-    buttons->addWidget(ok);
-    buttons->addWidget(cancel);
-    buttons->addStretch();
     auto* layout = new QHBoxLayout(&dialog);
     layout->addLayout(choices);
     layout->addSpacing(16);
-    layout->addLayout(buttons);
+    layout->addLayout(buttons.Column);
     layout->setSizeConstraint(QLayout::SetFixedSize);
     byIndex->setFocus();
 

@@ -93,7 +93,7 @@ TEST_F(Dialogs, TheMeshChooserGivesTheRowOrMinusOne)
     }
 }
 
-TEST_F(Dialogs, ADoubleClickInAChooserClosesNothing)
+TEST_F(Dialogs, NoClickInAChooserClosesItOrTakesTheMarkOff)
 {
     AddMesh("one");
     const DialogSteps steps({[](QDialog* dialog) {
@@ -102,6 +102,8 @@ TEST_F(Dialogs, ADoubleClickInAChooserClosesNothing)
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row);
         QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, row);
         EXPECT_TRUE(dialog->isVisible());
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, row);
+        EXPECT_TRUE(list->item(1)->isSelected());
         QTest::keyClick(list, Qt::Key_Return);
     }});
     EXPECT_EQ(ChooseMesh(0), 1);

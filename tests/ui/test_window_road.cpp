@@ -149,6 +149,9 @@ TEST(WindowRoad, ADragThroughTheListWalksTheBone)
         EXPECT_EQ(ActiveBone, bone);
     }
     QTest::mouseRelease(list->viewport(), Qt::LeftButton, {}, row(3));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, row(3));
+    EXPECT_TRUE(list->item(3)->isSelected());
+    EXPECT_EQ(ActiveBone, 3);
     QTest::keyClick(list, Qt::Key_Down);
     EXPECT_EQ(ActiveBone, 4);
     FillBoneLists();
