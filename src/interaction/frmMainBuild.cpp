@@ -93,7 +93,7 @@ frmMain* MainForm()
 frmMain::frmMain()
 {
     setObjectName(QStringLiteral("frmMain"));
-    setWindowIcon(ProgramIcon());
+    QGuiApplication::setWindowIcon(ProgramIcon()); // of the Info Log too, which nobody owns
     setAcceptDrops(true);
     setCentralWidget(new QWidget(this));
     BuildMenu();

@@ -202,6 +202,7 @@ TEST(WindowBuild, TheFirstMomentHasItsDefaults)
     EXPECT_EQ(window->panels[1]->text(), QStringLiteral("0 verts assigned to bone 0"));
     EXPECT_EQ(window->lstAnimation->count(), 1);
     EXPECT_TRUE(GLReady);
+    EXPECT_FALSE(QApplication::windowIcon().isNull()) << "windows without an owner have no icon";
     for (const QWidget* widget : {window->picMain, static_cast<QWidget*>(window->lstSkinBones),
                                   static_cast<QWidget*>(window->toolButtons[2])}) {
         EXPECT_FALSE(widget->accessibleName().isEmpty());
