@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QGridLayout>
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -22,6 +23,7 @@ namespace {
 // A box must stay on the screen, whatever a file put into the names that it shows.
 constexpr qsizetype longestWord = 120;
 constexpr qsizetype longestText = 3000;
+constexpr int roomForTitle = 240; ///< pixels that a box is wide at least; a narrow frame would cut its title
 
 QString FromUtf8(const std::string& text)
 {
@@ -79,6 +81,9 @@ QMessageBox::StandardButton ShowBox(BoxIcon icon, const std::string& text, QMess
     box.setStandardButtons(buttons);
     box.setDefaultButton(first);
     box.setEscapeButton(escape);
+    if (auto* grid = qobject_cast<QGridLayout*>(box.layout()); grid != nullptr) {
+        grid->addItem(new QSpacerItem(roomForTitle, 0), grid->rowCount(), 0, 1, grid->columnCount());
+    }
     return static_cast<QMessageBox::StandardButton>(box.exec());
 }
 
