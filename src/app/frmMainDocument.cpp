@@ -123,11 +123,11 @@ void frmMain::mnuFileNew_Click()
 
 void frmMain::mnuFileOpen_Click()
 {
-    const FileChooser chooser{false, "Open File", modelFilter, LastPath, ""};
+    FileChooser chooser{false, "Open File", modelFilter, LastPath, ""};
     std::string path;
     while (ChooseFile(chooser, &path)) {
         PumpEvents();
-        LastPath = path;
+        chooser.StartIn = LastPath = path;
         if (!FileExists(path)) {
             ShowMessage(BoxIcon::Warning, "File does not exist.");
             continue;

@@ -81,10 +81,10 @@ void frmMain::cmdMirror_Click()
 
 void frmMain::cmdLoadWeights_Click()
 {
-    const FileChooser chooser{false, "Load Weights", weightsFilter, LastPath, ""};
+    FileChooser chooser{false, "Load Weights", weightsFilter, LastPath, ""};
     std::string path;
     while (ChooseFile(chooser, &path)) {
-        LastPath = path;
+        chooser.StartIn = LastPath = path;
         if (FileExists(path)) {
             LoadWeights(path, TargetMesh());
             break;
