@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QStatusBar>
@@ -42,11 +43,39 @@ QLabel* AddLabel(QWidget* parent, const char* name, const char* caption, QRect p
     return label;
 }
 
+bool IsDark(const QWidget* widget)
+{
+    return widget->palette().color(QPalette::Button).lightness() < 128;
+}
+
+/// The picture of a tool, on a light ground where the desktop is dark: its lines are dark.
+QIcon ToolIcon(const QString& name, bool onDark)
+{
+    const QIcon picture(QStringLiteral(":/toolbar/%1.png").arg(name));
+    if (!onDark) {
+        return picture;
+    }
+    QIcon icon;
+    for (const int size : {16, 32}) {
+        QPixmap ground(size, size);
+        ground.fill(QColor(224, 224, 224));
+        QPainter(&ground).drawPixmap(0, 0, picture.pixmap(QSize(size, size), 1));
+        icon.addPixmap(ground);
+    }
+    return icon;
+}
+
 /// Makes the button that is down the one of its group that Tab stops at; the arrow keys go to the others.
 void StopAtChecked(QButtonGroup* group, Qt::FocusPolicy others)
 {
     const auto set = [others](QAbstractButton* button, bool down) {
         button->setFocusPolicy(down ? static_cast<Qt::FocusPolicy>(others | Qt::TabFocus) : others);
+        // On a dark desktop the style's own shade for a button that is down can hardly be told from the others.
+        QPalette colors;
+        if (down && IsDark(button)) {
+            colors.setColor(QPalette::Button, colors.color(QPalette::Highlight).darker());
+        }
+        button->setPalette(colors);
     };
     for (QAbstractButton* button : group->buttons()) {
         set(button, button->isChecked());
@@ -157,7 +186,7 @@ void frmMain::BuildPanel()
     for (size_t i = 0; i < keys.size(); i++) {
         auto* button = new QToolButton(tlbMain);
         button->setObjectName(QString::fromUtf8(keys[i]));
-        button->setIcon(QIcon(QStringLiteral(":/toolbar/%1.png").arg(QString::fromUtf8(keys[i]))));
+        button->setIcon(ToolIcon(button->objectName(), IsDark(tlbMain)));
         button->setIconSize(QSize(16, 16));
         button->setCheckable(true);
         button->setAutoRaise(true);
