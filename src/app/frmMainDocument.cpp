@@ -104,7 +104,7 @@ void frmMain::mnuFileNew_Click()
     }
     const bool loaded = ShowNewDialog();
     EndAllBusy();
-    if (!loaded) {
+    if (EndAfterStop() || !loaded) {
         return;
     }
     ModelOpen = true;

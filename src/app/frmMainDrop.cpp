@@ -25,7 +25,7 @@ std::string FirstFile(const QMimeData& data)
             const qsizetype path = line.indexOf('/', 2);
             line.remove(0, path < 0 ? line.size() : path);
         }
-        return QByteArray::fromPercentEncoding(line).toStdString();
+        return std::string(TextBeforeNull(QByteArray::fromPercentEncoding(line).toStdString()));
     }
     return {};
 }

@@ -196,6 +196,9 @@ bool ShowNewDialog()
     }
     newDialog->Keep = false;
     newDialog->exec();
+    if (newDialog.isNull()) {
+        return false; // the program went down under the open dialog
+    }
     const bool loaded = newDialog->Loaded;
     if (!newDialog->Keep) {
         delete newDialog;

@@ -1,6 +1,8 @@
 // What a user does while a long file is being read.
 #include <QAction>
+#include <QFile>
 #include <QLabel>
+#include <QListWidget>
 #include <QPushButton>
 #include <QTabBar>
 #include <QTabWidget>
@@ -10,6 +12,7 @@
 #include "interaction/frmMainMenu.h"
 #include "interaction/modTools.h"
 #include "model/modMvmRead.h"
+#include "platform/modFiles.h"
 #include "support/ui_window.h"
 #include "weights/modEdit.h"
 
@@ -90,4 +93,32 @@ TEST(WindowLoad, ClosingTheWindowEndsTheLoadAndTheProgram)
     EXPECT_TRUE(window->Unloaded());
     EXPECT_FALSE(window->isVisible());
     EXPECT_FALSE(ModelOpen);
+}
+
+TEST(WindowLoad, ClosingTheWindowEndsTheLoadOfANewModelAndTheProgram)
+{
+    const TempFolder folder;
+    const std::string name = "window test " + std::to_string(QCoreApplication::applicationPid());
+    const std::string preset = ProgramFolder() + "/presets/" + name + ".preset";
+    PutFile(preset, BallModel(120));
+    PutFile(folder / "skin.mvm", BallModel(4));
+    const UiWindow window;
+    {
+        const DialogSteps steps(
+            {[&](QDialog* dialog) {
+                 Press(dialog, "cmdBrowse");
+                 auto* list = Part<QListWidget>(dialog, "lstPresets");
+                 list->findItems(QString::fromStdString(name), Qt::MatchExactly).constFirst()->setSelected(true);
+                 Press(dialog, "cmdOK");
+             },
+             Choose(folder / "skin.mvm")});
+        const DuringLoad user([&] { window->close(); });
+        window->mnuFileNew_Click();
+        EXPECT_GT(user.Rounds, 0);
+    }
+    QFile::remove(QString::fromStdString(preset));
+    EXPECT_TRUE(window->Unloaded());
+    EXPECT_FALSE(StopRequested) << "every later load would end at once";
+    EXPECT_FALSE(ModelOpen);
+    EXPECT_EQ(BoneCount(), 0);
 }

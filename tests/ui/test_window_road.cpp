@@ -183,6 +183,19 @@ TEST(WindowRoad, ADropOpensTheFirstModelOfIt)
     EXPECT_EQ(CurrentFile, path);
 }
 
+TEST(WindowRoad, ADroppedPathEndsAtItsFirstNul)
+{
+    const TempFolder folder;
+    PutFile(folder / "a.mvm", BallModel(4));
+    UiWindow window;
+    QMimeData data;
+    data.setData(QStringLiteral("text/uri-list"), QByteArray::fromStdString("file://" + (folder / "a.mvm%00.txt")));
+    QDropEvent event(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
+    static_cast<QObject&>(*window).event(&event);
+    QApplication::processEvents();
+    EXPECT_EQ(CurrentFile, folder / "a.mvm");
+}
+
 TEST(WindowRoad, AFailedLoadLeavesNoDocument)
 {
     const TempFolder folder;
