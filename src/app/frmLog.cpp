@@ -11,6 +11,7 @@
 
 #include <algorithm>
 
+#include "app/frmSetup.h"
 #include "app/modApp.h"
 #include "app/modStatus.h"
 
@@ -44,6 +45,7 @@ LogWindow::LogWindow() : txtLog(new QPlainTextEdit(this))
 {
     setObjectName(QStringLiteral("frmLog"));
     setWindowTitle(QStringLiteral("Info Log"));
+    setWindowIcon(ProgramIcon());
     setAttribute(Qt::WA_QuitOnClose, false);
     resize(395, 269);
 

@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
 #include <QTest>
@@ -42,7 +43,9 @@ private:
             return;
         }
         if (steps.empty()) {
-            ADD_FAILURE() << "an unexpected dialog: " << dialog->windowTitle().toStdString();
+            const auto* box = qobject_cast<QMessageBox*>(dialog);
+            ADD_FAILURE() << "an unexpected dialog: " << dialog->windowTitle().toStdString() << ": "
+                          << (box != nullptr ? box->text().toStdString() : std::string());
             dialog->reject();
             Wait();
             return;
