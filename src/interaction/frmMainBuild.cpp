@@ -51,7 +51,7 @@ bool IsDark(const QWidget* widget)
 /// The picture of a tool, on a light ground where the desktop is dark: its lines are dark.
 QIcon ToolIcon(const QString& name, bool onDark)
 {
-    const QIcon picture(QStringLiteral(":/toolbar/%1.png").arg(name));
+    QIcon picture(QStringLiteral(":/toolbar/%1.png").arg(name));
     if (!onDark) {
         return picture;
     }
