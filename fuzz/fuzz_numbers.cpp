@@ -26,7 +26,9 @@ void CheckFloat(float value)
     }
     // The digits stand from then on, but for a power of ten whose nearest float lies so far below it (1E+28 is one) that
     // the float has digits of its own.
-    const bool powerOfTen = text.find_first_of("23456789") >= text.find('E') && std::fabs(value) > 1;
+    const std::string digits = text.substr(0, text.find('E'));
+    const bool powerOfTen =
+        digits.find_first_of("23456789") == std::string::npos && digits.find('1') == digits.rfind('1');
     float stored = 0;
     if (ToFloat(back, &stored) && FloatToText(stored) != text && !powerOfTen) {
         __builtin_trap();
