@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 // Files, by paths in the file system's form. Functions that can fail give false and put the system's words into *error.
@@ -32,9 +33,15 @@ bool RenameFile(const std::string& from, const std::string& to, std::string* err
 
 /// Names of the plain, not hidden files of a folder, in the order of the listing. Empty when it cannot be read.
 [[nodiscard]] std::vector<std::string> ListFiles(const std::string& folder);
+/// What FindFileAnyCase has read of one folder, so that many questions in a row read it once.
+struct FolderNames {
+    bool Listed = false;
+    std::unordered_map<std::u32string, std::string> ByFoldedName;
+};
 /// The path of a plain file in `folder` (with a separator at its end) whose name equals `name` but for the case of its
-/// letters (UTF-8); an exact match comes first. False when there is none, or when `name` names a hidden file.
-bool FindFileAnyCase(const std::string& folder, const std::string& name, std::string* path);
+/// letters (UTF-8); an exact match comes first. False when there is none, or when `name` names a hidden file. `names` is
+/// empty for the first question about a folder.
+bool FindFileAnyCase(const std::string& folder, const std::string& name, FolderNames* names, std::string* path);
 
 /// The folder that holds the program, found through links, without a separator at its end.
 [[nodiscard]] std::string ProgramFolder();

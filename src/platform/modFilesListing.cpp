@@ -60,7 +60,7 @@ std::vector<std::string> ListFiles(const std::string& folder)
     return names;
 }
 
-bool FindFileAnyCase(const std::string& folder, const std::string& name, std::string* path)
+bool FindFileAnyCase(const std::string& folder, const std::string& name, FolderNames* names, std::string* path)
 {
     if (name.empty() || name.starts_with('.') || name.find('/') != std::string::npos) {
         return false;
@@ -69,12 +69,17 @@ bool FindFileAnyCase(const std::string& folder, const std::string& name, std::st
         *path = folder + name;
         return true;
     }
-    const std::u32string wanted = Folded(name);
-    for (const std::string& candidate : ListFiles(folder.empty() ? "." : folder)) {
-        if (Folded(candidate) == wanted) {
-            *path = folder + candidate;
-            return true;
+    if (!names->Listed) {
+        names->Listed = true;
+        for (std::string& candidate : ListFiles(folder.empty() ? "." : folder)) {
+            std::u32string key = Folded(candidate);
+            names->ByFoldedName.try_emplace(std::move(key), std::move(candidate));
         }
     }
-    return false;
+    const auto found = names->ByFoldedName.find(Folded(name));
+    if (found == names->ByFoldedName.end()) {
+        return false;
+    }
+    *path = folder + found->second;
+    return true;
 }

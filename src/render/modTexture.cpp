@@ -23,7 +23,7 @@ namespace {
 
 /// Finds the file of a map: the path as the model gives it, with either separator, then its name in the model's folder,
 /// at last in any case of letters. Gives empty text and logs a line when there is none; empty text for an empty name.
-std::string FindMap(const std::string& map, const std::string& folder)
+std::string FindMap(const std::string& map, const std::string& folder, FolderNames* names)
 {
     if (map.empty()) {
         return {};
@@ -43,7 +43,7 @@ std::string FindMap(const std::string& map, const std::string& folder)
         return beside;
     }
     std::string anyCase;
-    if (!name.empty() && FindFileAnyCase(folder, name, &anyCase) && FileExists(anyCase)) {
+    if (!name.empty() && FindFileAnyCase(folder, name, names, &anyCase) && FileExists(anyCase)) {
         return anyCase;
     }
     LogLine("Texture \"" + asGiven + "\" not found.");
@@ -90,10 +90,11 @@ void LoadTextures(const std::string& path)
     SetPanelText("toolhelp", "Loading textures...");
     ProgressBegin(MaterialCount());
     const std::string folder(DirectoryOf(path));
+    FolderNames names;
     // Each step can let the window paint or end the load, so nothing of the scene is held across it.
     for (int32_t index = 1; index <= MaterialCount() && !StopRequested; ++index) {
-        const std::string colorFile = FindMap(Materials[index].ColorMap, folder);
-        const std::string opacityFile = FindMap(Materials[index].OpacityMap, folder);
+        const std::string colorFile = FindMap(Materials[index].ColorMap, folder, &names);
+        const std::string opacityFile = FindMap(Materials[index].OpacityMap, folder, &names);
         if (!colorFile.empty()) {
             const int16_t texture = LoadTexture(colorFile, opacityFile);
             if (index <= MaterialCount()) {

@@ -289,9 +289,10 @@ TEST_F(Files, ListsPlainFilesAndFindsThemInAnyCase)
         {"../hide.bmp", ""},
         {"", ""},
     };
+    FolderNames names;
     for (const Case& c : cases) {
         std::string path;
-        EXPECT_EQ(FindFileAnyCase(Folder.Path, c.Name, &path), *c.Found != '\0') << c.Name;
+        EXPECT_EQ(FindFileAnyCase(Folder.Path, c.Name, &names, &path), *c.Found != '\0') << c.Name;
         EXPECT_EQ(path, *c.Found != '\0' ? Folder / c.Found : "") << c.Name;
     }
 }
