@@ -8,7 +8,6 @@
 #include "interaction/frmMain.h"
 #include "model/modMvmRead.h"
 #include "platform/modDialogs.h"
-#include "platform/modEvents.h"
 #include "render/modRedraw.h"
 #include "weights/frmMeshes.h"
 #include "weights/modBoneAlias.h"
@@ -126,7 +125,9 @@ void frmMain::mnuFileOpen_Click()
     FileChooser chooser{false, "Open File", modelFilter, LastPath, ""};
     std::string path;
     while (ChooseFile(chooser, &path)) {
-        PumpEvents();
+        if (!ServeEvents()) {
+            return;
+        }
         chooser.StartIn = LastPath = path;
         if (!FileExists(path)) {
             ShowMessage(BoxIcon::Warning, "File does not exist.");
@@ -158,7 +159,9 @@ void frmMain::mnuFileSaveAs_Click()
     if (!ChooseFile(chooser, &path)) {
         return;
     }
-    PumpEvents();
+    if (!ServeEvents()) {
+        return;
+    }
     LastPath = path;
     CurrentFile = path;
     mnuFileSave_Click();

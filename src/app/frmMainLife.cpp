@@ -115,7 +115,9 @@ void frmMain::Start(const std::string& commandLine)
     WaitUntilShown(*windowHandle());
     FitFrame();
     PumpEvents();
-    OpenCommandLine(commandLine);
+    if (!unloaded) {
+        OpenCommandLine(commandLine);
+    }
     if (!unloaded && IsInfoLogVisible()) {
         FocusInfoLog();
     }
@@ -143,6 +145,12 @@ void frmMain::closeEvent(QCloseEvent* event)
         event->ignore();
         return;
     }
+    // A dialog or question that stands is a command half done; it must end before what it works on goes.
+    if (QApplication::activeModalWidget() != nullptr) {
+        SetPanelText("toolhelp", "Please answer the open dialog first.");
+        event->ignore();
+        return;
+    }
     if (ModelOpen && !ConfirmDiscard()) {
         event->ignore();
         return;
@@ -151,6 +159,14 @@ void frmMain::closeEvent(QCloseEvent* event)
     setAcceptDrops(false);
     ShutdownApp();
     event->accept();
+}
+
+bool frmMain::ServeEvents()
+{
+    BeginBusy();
+    PumpEvents();
+    EndBusy();
+    return !EndAfterStop();
 }
 
 bool frmMain::EndAfterStop()

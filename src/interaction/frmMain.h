@@ -185,6 +185,8 @@ private:
     void SetAccess();
     void EnableDocument(bool open, bool revert);
     void OpenCommandLine(const std::string& commandLine);
+    /// Serves what waits in the middle of a command, without letting another command in. False when the program ended.
+    [[nodiscard]] bool ServeEvents();
     /// Ends the program when the window was closed during the long operation that has just ended.
     [[nodiscard]] bool EndAfterStop();
 
