@@ -1,10 +1,15 @@
 #include "app/modDocument.h"
 
 #include <csignal>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iostream>
 #include <random>
+#include <sched.h>
 #include <set>
+#include <sys/mount.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -13,6 +18,7 @@
 #include "model/modMvmWrite.h"
 #include "support/scripted.h"
 #include "support/temp_folder.h"
+#include "weights/modWeights.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -42,6 +48,7 @@ void SaveWithEveryFailure(bool existed, bool later, bool links)
 {
     scripted::NoLinks = !links;
     const std::string before = existed ? oldContent : "(none)";
+    const std::string scene = ModelText();
     for (int step = 1;; ++step) {
         SCOPED_TRACE("step " + std::to_string(step) + (existed ? ", over a file" : "") + (later ? ", and later" : "") +
                      (links ? "" : ", without links"));
@@ -55,7 +62,8 @@ void SaveWithEveryFailure(bool existed, bool later, bool links)
         scripted::FailAt = step;
         scripted::FailAfter = later;
         const bool good = SaveModelFile(path);
-        EXPECT_EQ(Content(path), good ? ModelText() : before);
+        EXPECT_EQ(Content(path), good ? scene : before);
+        EXPECT_EQ(ModelText(), scene);
         if (scripted::Steps < step) {
             EXPECT_TRUE(good);
             EXPECT_GE(step, existed ? 9 : 6);
@@ -79,6 +87,35 @@ void SaveWithEveryFailure(bool existed, bool later, bool links)
             EXPECT_THAT(folder.Names(), IsSubsetOf({"a.mvm", "a.mvm.old"}));
         }
     }
+}
+
+/// Runs `act` in a process of its own, whose limits, mounts and rights end with it.
+void Apart(const std::function<void()>& act)
+{
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        act();
+        std::cout << std::flush;
+        _exit(testing::Test::HasFailure() ? 1 : 0);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+}
+
+/// Makes the folder a disk of 64 KB that only this process sees. False without the administrator's rights.
+bool MountSmallDisk(const std::string& folder)
+{
+    return unshare(CLONE_NEWNS) == 0 && mount("", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+           mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=64k") == 0;
+}
+
+void LimitFileSize(rlim_t size)
+{
+    const rlimit limit{size, size};
+    std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
 }
 
 } // namespace
@@ -143,6 +180,63 @@ TEST_F(Document, AKilledSaveLeavesOneWholeContent)
     EXPECT_TRUE(SaveModelFile(path));
     EXPECT_EQ(Content(path), ModelText());
     EXPECT_FALSE(std::filesystem::exists(path + ".old"));
+}
+
+TEST_F(Document, AFullDiskKeepsTheOldFilesAndIsTold)
+{
+    Apart([this] {
+        const bool disk = MountSmallDisk(Folder.Path);
+        const std::string old(40'000, 'o');
+        PutFile(Folder / "a.mvm", old);
+        PutFile(Folder / "a.wif", old);
+        if (!disk) {
+            LimitFileSize(20'000);
+        }
+        Bones.Items.resize(1000);
+        Meshes.Add().Vertices.Items.resize(4000);
+        MakeSkin(1);
+        EXPECT_FALSE(SaveModelFile(Folder / "a.mvm"));
+        EXPECT_FALSE(SaveModelFile(Folder / "new.mvm"));
+        SaveWeights(Folder / "a.wif", 1);
+        ASSERT_EQ(scripted::Messages.size(), 3U);
+        const char* const words = disk ? "\nNo space left on device" : "\nFile too large";
+        for (const scripted::Box& box : scripted::Messages) {
+            EXPECT_THAT(box.Text, testing::EndsWith(words));
+            EXPECT_EQ(box.Icon, BoxIcon::Stop);
+        }
+        EXPECT_EQ(Content(Folder / "a.mvm"), old);
+        EXPECT_EQ(Content(Folder / "a.wif"), old);
+        EXPECT_THAT(Folder.Names(), UnorderedElementsAre("a.mvm", "a.wif"));
+    });
+}
+
+TEST_F(Document, AFolderOrADiskThatTakesNothingKeepsItsFilesAndIsTold)
+{
+    PutFile(Folder / "a.mvm", oldContent);
+    ASSERT_EQ(chmod((Folder / "a.mvm").c_str(), 0666), 0);
+    const auto save = [this](const std::string& words) {
+        scripted::Messages.clear();
+        EXPECT_FALSE(SaveModelFile(Folder / "a.mvm"));
+        EXPECT_EQ(Message(), words);
+        scripted::Messages.clear();
+        EXPECT_FALSE(SaveModelFile(Folder / "new.mvm"));
+        EXPECT_THAT(Message(), HasSubstr("Runtime error in WriteMVM\n"));
+        EXPECT_EQ(Content(Folder / "a.mvm"), oldContent);
+        EXPECT_THAT(Folder.Names(), ElementsAre("a.mvm"));
+    };
+    Apart([&] {
+        ASSERT_EQ(chmod(Folder.Path.c_str(), 0555), 0);
+        ASSERT_TRUE(getuid() != 0 || setuid(65534) == 0);
+        save("Can't make a safety copy of the file.\nPermission denied");
+    });
+    ASSERT_EQ(chmod(Folder.Path.c_str(), 0755), 0);
+    Apart([&] {
+        if (MountSmallDisk(Folder.Path)) {
+            PutFile(Folder / "a.mvm", oldContent);
+            ASSERT_EQ(mount("", Folder.Path.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
+            save("Can't overwrite file.\nFile is marked read only.");
+        }
+    });
 }
 
 TEST_F(Document, AGuardThatStaysIsToldAfterAGoodSave)

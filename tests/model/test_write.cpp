@@ -1,9 +1,12 @@
 #include <clocale>
+#include <cstdlib>
 #include <gmock/gmock.h>
 #include <limits>
 
 #include "model/model_file.h"
 #include "model/modMvmWrite.h"
+#include "model/modStrings.h"
+#include "support/temp_folder.h"
 
 namespace {
 
@@ -180,13 +183,21 @@ TEST_F(WriteModel, WritesNumbersThatCanBeReadAgain)
 
 TEST_F(WriteModel, DoesNotDependOnTheLocale)
 {
+    const TempFolder folder;
+    // A locale with a decimal comma made on the spot, since machines differ in those that they have.
+    PutFile(folder / "source", "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3;3\nEND LC_NUMERIC\n");
+    const std::string make =
+        "localedef -c -i " + (folder / "source") + " " + (folder / "comma") + " >" + (folder / "log");
+    (void)!std::system((make + " 2>&1").c_str()); // it tells of all that the source does not name
+    setenv("LOCPATH", folder.Path.c_str(), 1);
     const std::string before = std::setlocale(LC_ALL, nullptr);
-    for (const char* name : {"de_DE.UTF-8", "fr_FR.UTF-8", "de_DE"}) {
-        std::setlocale(LC_ALL, name);
-    }
+    ASSERT_NE(std::setlocale(LC_NUMERIC, "comma"), nullptr) << Content(folder / "log");
+    ASSERT_STREQ(std::localeconv()->decimal_point, ",");
     ASSERT_TRUE(Load("bone B\r{\rposition=(0.5,1.5,2,5)\r}"));
     EXPECT_NE(ModelText().find("(0.5,1.5,2)"), std::string::npos);
+    EXPECT_EQ(FloatToText(1234.5F), "1234.5");
     std::setlocale(LC_ALL, before.c_str());
+    unsetenv("LOCPATH");
 }
 
 TEST_F(WriteModel, ReportsAFailureAndLeavesTheSceneAlone)
