@@ -18,6 +18,8 @@
 namespace {
 
 constexpr qsizetype charactersPerTurn = 200'000;
+// The field lays a line out as a whole. A name of many megabytes, which a file can hold, would stop the window.
+constexpr size_t longestLine = 20'000;
 
 class LogWindow : public QWidget {
 public:
@@ -72,7 +74,8 @@ LogWindow::LogWindow() : txtLog(new QPlainTextEdit(this))
 
 void LogWindow::Add(const std::string& text)
 {
-    waiting += QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())) + u'\n';
+    waiting += QString::fromUtf8(text.data(), static_cast<qsizetype>(std::min(text.size(), longestLine)));
+    waiting += text.size() > longestLine ? QStringLiteral(" ...\n") : QStringLiteral("\n");
     turn.start();
 }
 

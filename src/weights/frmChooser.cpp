@@ -30,7 +30,7 @@ int16_t ChooseRow(const ChooserNames& names, int32_t count, int16_t current,
     QStringList rows{QStringLiteral("NONE")};
     const int32_t last = std::min<int32_t>(count, std::numeric_limits<int16_t>::max());
     for (int32_t row = 1; row <= last; ++row) {
-        rows += QString::fromStdString(label(static_cast<int16_t>(row)));
+        rows += RowText(label(static_cast<int16_t>(row)));
     }
     list->addItems(rows);
     list->setCurrentRow(current >= 0 && current <= last ? current : 0);

@@ -3,6 +3,7 @@
 
 #include "interaction/frmMain.h"
 #include "platform/qt/modDialogParts.h"
+#include "platform/qt/modFit.h"
 #include "weights/modEdit.h"
 
 BoneList::BoneList(QWidget* parent) : QListWidget(parent)
@@ -53,7 +54,7 @@ void SetBoneRows(int16_t list, const std::vector<BoneRow>& rows)
     const QSignalBlocker quiet(widget);
     widget->clear();
     for (const BoneRow& row : rows) {
-        auto* item = new QListWidgetItem(QString::fromStdString(row.Text), widget);
+        auto* item = new QListWidgetItem(RowText(row.Text), widget);
         item->setData(Qt::UserRole, row.Number);
     }
     widget->setCurrentRow(-1);

@@ -93,6 +93,15 @@ TEST_F(InfoLog, TakesALongReportWholeAndScrollsToItsEnd)
     EXPECT_EQ(Field()->verticalScrollBar()->value(), Field()->verticalScrollBar()->maximum());
 }
 
+TEST_F(InfoLog, CutsALineThatNobodyCanRead)
+{
+    LogLine(std::string(5'000'000, 'x'));
+    ShowInfoLog();
+    const QStringList lines = Field()->toPlainText().split(u'\n');
+    EXPECT_EQ(lines[0].size(), 20'004);
+    EXPECT_TRUE(lines[0].endsWith(QStringLiteral("x ...")));
+}
+
 TEST_F(InfoLog, ClosesForGoodOnlyWhenTheProgramGoesDown)
 {
     LogLine("x");

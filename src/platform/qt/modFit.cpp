@@ -10,6 +10,8 @@
 #include <QStyle>
 #include <QStyleOptionButton>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int smallestPixels = 8;
@@ -76,4 +78,10 @@ void FitCaption(QWidget* widget)
         }
     }
     widget->setFont(font);
+}
+
+QString RowText(const std::string& text)
+{
+    constexpr size_t longest = 1000;
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(std::min(text.size(), longest)));
 }
