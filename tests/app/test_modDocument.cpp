@@ -186,7 +186,7 @@ TEST_F(Document, AFullDiskKeepsTheOldFilesAndIsTold)
 {
     Apart([this] {
         const bool disk = MountSmallDisk(Folder.Path);
-        const std::string old(40'000, 'o');
+        const std::string old(20'000, 'o');
         PutFile(Folder / "a.mvm", old);
         PutFile(Folder / "a.wif", old);
         if (!disk) {
