@@ -154,6 +154,7 @@ std::vector<V2> TrunkPlaces(const Skeleton& skeleton, const std::vector<V3>& pla
 {
     const Axis trunk = Axes(skeleton)[trunkChart];
     std::vector<V2> raw;
+    raw.reserve(places.size());
     for (const V3& place : places) {
         raw.push_back(Around(trunk, place));
     }

@@ -1,6 +1,7 @@
 #include <QApplication>
 #include <QDropEvent>
 #include <QMimeData>
+#include <QTimer>
 
 #include "app/modMisc.h"
 #include "app/modStatus.h"
@@ -45,8 +46,7 @@ void frmMain::dropEvent(QDropEvent* event)
     event->acceptProposedAction();
     if (!path.empty()) {
         // The program that the file came from waits until this event is answered, so the load comes behind it.
-        QMetaObject::invokeMethod(
-            this, [this, path] { DropFile(path); }, Qt::QueuedConnection);
+        QTimer::singleShot(0, this, [this, path] { DropFile(path); });
     }
 }
 

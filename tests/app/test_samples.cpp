@@ -244,10 +244,10 @@ TEST_F(Samples, AliasesLabelAndConnectEveryBone)
     }
     // Each bone leads over its links to the one root of its kind.
     std::set<std::string> labels;
-    std::set<int16_t> roots;
-    for (int16_t i = 1; i <= BoneCount(); ++i) {
+    std::set<int32_t> roots;
+    for (int32_t i = 1; i <= BoneCount(); ++i) {
         EXPECT_TRUE(!Bones[i].Alias.empty() && labels.insert(Bones[i].Alias).second) << Bones[i].Name;
-        int16_t at = i;
+        int32_t at = i;
         for (int steps = 0; Bones[at].LinkBone != 0; ++steps) {
             ASSERT_LT(steps, BoneCount()) << Bones[i].Name;
             at = Bones[at].LinkBone;
