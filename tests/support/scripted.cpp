@@ -1,5 +1,7 @@
 #include "support/scripted.h"
 
+#include <algorithm>
+
 #include "app/modMvmDef.h"
 #include "app/modStatus.h"
 #include "interaction/modConsole.h"
@@ -34,12 +36,9 @@ namespace scripted {
 
 std::string Panel(const std::string& key)
 {
-    for (auto entry = Panels.rbegin(); entry != Panels.rend(); ++entry) {
-        if (entry->first == key) {
-            return entry->second;
-        }
-    }
-    return {};
+    const auto latest =
+        std::find_if(Panels.rbegin(), Panels.rend(), [&](const auto& panel) { return panel.first == key; });
+    return latest != Panels.rend() ? latest->second : std::string();
 }
 
 void Reset()
