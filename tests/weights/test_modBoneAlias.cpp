@@ -99,7 +99,7 @@ void ApplyPlainly(const BoneAliasFile& file, Array1<MvmBone>* bones)
                 continue;
             }
             bone.Alias = entry.Alias;
-            for (int16_t k = 1; k <= bones->Count(); ++k) {
+            for (int16_t k = 1; k <= static_cast<int16_t>(bones->Count()); ++k) {
                 bone.LinkBone = !entry.Link.empty() && entry.Link == (*bones)[k].Name ? k : bone.LinkBone;
                 bone.MirrorBone = !entry.Mirror.empty() && entry.Mirror == (*bones)[k].Name ? k : bone.MirrorBone;
             }

@@ -24,7 +24,7 @@ void AssignPlainly(MvmMesh* mesh)
         }
         int16_t best = 0;
         float bestDistance = 1000000.0F;
-        for (int16_t b = 1; b <= BoneCount(); ++b) {
+        for (int16_t b = 1; b <= static_cast<int16_t>(BoneCount()); ++b) {
             if (Bones[b].IsShadow) {
                 continue;
             }
