@@ -8,50 +8,6 @@ constexpr double pi = 3.14159265358979;
 
 } // namespace
 
-Vec3 VecSub(const Vec3& a, const Vec3& b)
-{
-    return {a.X - b.X, a.Y - b.Y, a.Z - b.Z};
-}
-
-double VecLength(const Vec3& a)
-{
-    return std::sqrt(VecDot(a, a));
-}
-
-Vec3 VecNormalize(const Vec3& a)
-{
-    const double length = VecLength(a);
-    if (!(length > 0)) {
-        return {};
-    }
-    return {static_cast<float>(a.X / length), static_cast<float>(a.Y / length), static_cast<float>(a.Z / length)};
-}
-
-double VecDistance(const Vec3& a, const Vec3& b)
-{
-    const double x = static_cast<double>(a.X) - b.X;
-    const double y = static_cast<double>(a.Y) - b.Y;
-    const double z = static_cast<double>(a.Z) - b.Z;
-    return std::sqrt(x * x + y * y + z * z);
-}
-
-double VecDot(const Vec3& a, const Vec3& b)
-{
-    return static_cast<double>(a.X) * b.X + static_cast<double>(a.Y) * b.Y + static_cast<double>(a.Z) * b.Z;
-}
-
-Vec3 VecCross(const Vec3& a, const Vec3& b)
-{
-    return {static_cast<float>(static_cast<double>(a.Y) * b.Z - static_cast<double>(a.Z) * b.Y),
-            static_cast<float>(static_cast<double>(a.Z) * b.X - static_cast<double>(a.X) * b.Z),
-            static_cast<float>(static_cast<double>(a.X) * b.Y - static_cast<double>(a.Y) * b.X)};
-}
-
-Vec3 FaceNormal(const Vec3& a, const Vec3& b, const Vec3& c)
-{
-    return VecNormalize(VecCross(VecSub(c, a), VecSub(b, a)));
-}
-
 double TriangleArea(const Vec3& a, const Vec3& b, const Vec3& c)
 {
     const auto ab = static_cast<float>(VecDistance(a, b));
