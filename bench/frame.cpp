@@ -322,7 +322,7 @@ void RegisterFrameCases()
         {"frame, materials sorted, against bare arrays", "frame, sorted", "frame, sorted/arrays", 1.5, true});
     BenchRows.push_back({"frame, materials alternating", "frame, alternating", "frame, alternating/plain", 3});
     // Filling the pixels of smooth lines costs both forms the same, so the frame is also measured without them.
-    BenchRows.push_back({"frame without isolines and normals, materials sorted", "frame without lines, sorted",
+    BenchRows.push_back({"frame without isolines and normals, sorted (own target)", "frame without lines, sorted",
                          "frame without lines, sorted/plain", 3});
     BenchRows.push_back({"pick over the whole view", "pick", "pick/plain", 10});
 }
