@@ -37,13 +37,18 @@ public:
             }
         });
         timer.start(0);
+        PumpInterval = 0; // however fast the machine is, each step of the load serves events
     }
+    ~DuringLoad() { PumpInterval = usualInterval; }
+    DuringLoad(const DuringLoad&) = delete;
+    DuringLoad& operator=(const DuringLoad&) = delete;
     int Rounds = 0;
 
 private:
     std::function<void()> act;
     bool acting = false; // what it does can serve events of its own
     QTimer timer;
+    int64_t usualInterval = PumpInterval;
 };
 
 void Wheel(QWidget* view)
