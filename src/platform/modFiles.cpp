@@ -330,11 +330,3 @@ bool DeleteFile(const std::string& path, std::string* error)
     }
     return StepDelete(path) == 0 || Fail(errno, error);
 }
-
-bool RenameFile(const std::string& from, const std::string& to, std::string* error)
-{
-    if (!IsPath(from) || !IsPath(to)) {
-        return FailPath(IsPath(from) ? to : from, error);
-    }
-    return StepRename(from, to) == 0 || Fail(errno, error);
-}

@@ -29,7 +29,6 @@ bool CopyFileTo(const std::string& from, const std::string& to, std::string* err
 /// nothing else is.
 bool GuardFile(const std::string& from, const std::string& to, std::string* error);
 bool DeleteFile(const std::string& path, std::string* error);
-bool RenameFile(const std::string& from, const std::string& to, std::string* error);
 
 /// Names of the plain, not hidden files of a folder, in the order of the listing. Empty when it cannot be read.
 [[nodiscard]] std::vector<std::string> ListFiles(const std::string& folder);

@@ -114,11 +114,6 @@ void DrawModel()
     }
 }
 
-int32_t MaterialOfFace(const MvmMesh& mesh, const MvmFace& face)
-{
-    return mesh.MeshMaterials.Has(face.Material) ? mesh.MeshMaterials[face.Material].Index : 0;
-}
-
 Look LookOf(int32_t material)
 {
     if (!Materials.Has(material)) {

@@ -19,6 +19,4 @@ void DrawBones();
 
 /// Turns a material into GL state. Any number outside 1 to MaterialCount stands for no material.
 void BindMaterial(int32_t material);
-/// The number into Materials of the face's material, 0 for none.
-[[nodiscard]] int32_t MaterialOfFace(const MvmMesh& mesh, const MvmFace& face);
 void SetupLights();
