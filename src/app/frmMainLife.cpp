@@ -26,8 +26,6 @@
 #include "weights/modEdit.h"
 #include "weights/modMirror.h"
 
-#include <GL/gl.h>
-
 namespace {
 
 /// How long a start waits for the window manager to put the window on the screen.
@@ -56,11 +54,6 @@ void InitApp()
         PixelScale = static_cast<float>(view->devicePixelRatioF());
         ResizeViewport(qRound(view->width() * view->devicePixelRatioF()),
                        qRound(view->height() * view->devicePixelRatioF()));
-        glClearColor(0.5F, 0.5F, 0.5F, 0);
-        glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
-        glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_NICEST);
-        glEnable(GL_DEPTH_TEST);
-        glEnable(GL_CULL_FACE);
     } else {
         ShowMessage(BoxIcon::Stop, "Error initializing OpenGL.");
     }
