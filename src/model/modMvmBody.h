@@ -22,11 +22,6 @@ void ReadHeaderLine(std::string_view line, BlockKind* kind);
 /// the line's entry may have been added with what was read of it.
 bool ReadBodyLine(std::string_view line, BlockKind kind, LineScratch* scratch, const char** failure);
 
-/// The short way for a v, t, n or f line at `at`, inside a mesh, of the shape that writers of models use. The line ends at
-/// the first CR or at `end`. Gives its end, with the mesh as ReadMeshLine makes it; or nullptr for any other line, and
-/// changes nothing. A line that it takes holds no brace.
-const char* ReadCommonLine(const char* at, const char* end, MvmMesh* mesh);
-
 /// A key (any case) and a value of a mesh, by the general rules. Fails like ReadBodyLine.
 bool ReadMeshLine(std::string_view key, std::string_view value, MvmMesh* mesh, std::string* scratch,
                   const char** failure);

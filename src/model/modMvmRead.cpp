@@ -2,15 +2,17 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <exception>
 #include <limits>
 #include <new>
 #include <string_view>
+#include <vector>
 
 #include "app/modMvmDef.h"
 #include "app/modStatus.h"
+#include "model/modMvmAhead.h"
 #include "model/modMvmBody.h"
+#include "model/modMvmCommon.h"
 #include "model/modMvmPasses.h"
 #include "model/modStrings.h"
 #include "platform/modDialogs.h"
@@ -33,7 +35,8 @@ struct Loading {
     int64_t Line = 0;              ///< the line at work, counted from 1; 0 outside the lines
     const char* Failure = nullptr; ///< what is wrong with it
     BlockKind Kind = BlockKind::None;
-    bool Open = false; ///< inside a block
+    bool Open = false;  ///< inside a block
+    int32_t Shown = -1; ///< the progress value shown last
     LineScratch Scratch;
 };
 
@@ -56,55 +59,80 @@ int32_t ProgressValue(size_t position)
     return static_cast<int32_t>(std::min<size_t>(position, std::numeric_limits<int32_t>::max()));
 }
 
-/// Lines end at CR LF or at a lone CR. False after a failure and when the load was stopped.
-bool ReadLines(std::string_view bytes, Loading* loading)
+/// Shows how far in the file the load is. False when it was stopped.
+bool Step(size_t position, int32_t* shown)
 {
-    const char* const start = bytes.data();
-    const char* const end = start + bytes.size();
-    int32_t shown = -1;
+    const int32_t value = ProgressValue(position) & ~127;
+    if (value != *shown) {
+        *shown = value;
+        ProgressStep(value);
+        return !StopRequested;
+    }
+    return true;
+}
+
+/// Reads the lines of a chunk whose first byte is at `position` of the file. False after a failure and when stopped.
+bool ReadChunk(const TextChunk& chunk, size_t position, Loading* loading)
+{
+    const char* const start = chunk.Memory.data();
+    const char* const end = start + chunk.Size;
+    const std::vector<CommonRun>& runs = chunk.Lines.Runs;
+    size_t run = 0;
     for (const char* at = start; at != end;) {
-        ++loading->Line;
-        const char* lineEnd = nullptr;
-        if (loading->Open && loading->Kind == BlockKind::Mesh) {
-            lineEnd = ReadCommonLine(at, end, &Meshes.Items.back());
-        }
-        if (lineEnd == nullptr) {
-            const void* const found = std::memchr(at, '\r', static_cast<size_t>(end - at));
-            lineEnd = found != nullptr ? static_cast<const char*>(found) : end;
+        const bool runStarts = run < runs.size() && at == start + runs[run].Start;
+        if (runStarts && loading->Open && loading->Kind == BlockKind::Mesh) {
+            AddCommonRun(chunk.Lines, run, &Meshes.Items.back());
+            loading->Line += runs[run].Lines;
+            at = start + runs[run].End;
+        } else {
+            ++loading->Line;
+            const char* const lineEnd = FindLineEnd(at, end);
             if (!ReadLine({at, static_cast<size_t>(lineEnd - at)}, loading)) {
                 return false;
             }
+            at = BehindLine(lineEnd, end);
         }
-        at = lineEnd;
-        if (at != end) {
-            at += end - at > 1 && at[1] == '\n' ? 2 : 1;
-        }
-        const int32_t position = ProgressValue(static_cast<size_t>(at - start)) & ~127;
-        if (position != shown) {
-            shown = position;
-            ProgressStep(position);
-            if (StopRequested) {
-                return false;
-            }
+        run += runStarts ? 1 : 0;
+        if (!Step(position + static_cast<size_t>(at - start), &loading->Shown)) {
+            return false;
         }
     }
-    loading->Line = 0;
     return true;
 }
 
 /// False with an empty *error when the load was stopped or a line failed.
+bool ReadChunks(OpenedFile* file, Loading* loading, std::string* error)
+{
+    ChunksAhead ahead;
+    StartChunks(file, &ahead);
+    size_t position = 0;
+    for (;;) {
+        const TextChunk* chunk = nullptr;
+        if (!NextChunk(&ahead, &chunk, error)) {
+            loading->Line = 0;
+            return false;
+        }
+        if (chunk == nullptr) {
+            loading->Line = 0;
+            return true;
+        }
+        if (!ReadChunk(*chunk, position, loading)) {
+            return false;
+        }
+        position += chunk->Size;
+    }
+}
+
+/// Fails like ReadChunks.
 bool ReadModel(const std::string& path, Loading* loading, std::string* error)
 {
-    std::string bytes;
-    if (!ReadFile(path, &bytes, error)) {
-        if (error->empty()) {
-            *error = "The file cannot be read.";
-        }
+    OpenedFile file;
+    if (!OpenForReading(path, &file, error)) {
         return false;
     }
     SetPanelText("toolhelp", "Loading geometry...");
-    ProgressBegin(ProgressValue(bytes.size()));
-    if (!ReadLines(bytes, loading)) {
+    ProgressBegin(ProgressValue(file.Expected));
+    if (!ReadChunks(&file, loading, error)) {
         TrimScene();
         return false;
     }

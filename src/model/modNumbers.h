@@ -5,6 +5,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 // Numbers of the shape that nearly every line of a model file has: an optional "-", at most 18 digits, at most one point.
 
@@ -16,35 +19,57 @@ inline constexpr std::array<double, 23> powersOfTen = {1e0,  1e1,  1e2,  1e3,  1
 inline constexpr std::array<uint64_t, 9> wholePowers = {1,       10,        100,        1'000,      10'000,
                                                         100'000, 1'000'000, 10'000'000, 100'000'000};
 
-/// Up to eight digits at once: the number of digits that stand at the start of eight readable bytes, and their value.
-struct DigitRun {
-    unsigned Count;
-    uint64_t Value;
-};
-
-inline DigitRun ReadDigits(const char* at)
+/// Eight readable bytes as a number, the first one lowest.
+inline uint64_t LoadEight(const char* at)
 {
     uint64_t bytes = 0;
     std::memcpy(&bytes, at, sizeof(bytes));
-    bytes ^= 0x3030303030303030; // digits become 0 to 9
-    // The lowest byte above 9 gets its high bit; a carry only reaches bytes behind it.
-    const uint64_t others = (bytes | (bytes + 0x7676767676767676)) & 0x8080808080808080;
-    const auto count = static_cast<unsigned>(std::countr_zero(others)) / 8;
-    if (count == 0) {
-        return {0, 0};
+    if constexpr (std::endian::native == std::endian::big) {
+        uint64_t swapped = 0;
+        for (int byte = 0; byte < 8; ++byte) {
+            swapped = swapped << 8 | (bytes >> (8 * byte) & 0xFF);
+        }
+        return swapped;
     }
-    bytes <<= 64 - 8 * count; // zeros in front
-    bytes = bytes * 10 + (bytes >> 8);
-    const uint64_t value = ((bytes & 0x000000FF000000FF) * 0x000F424000000064 +
-                            ((bytes >> 16) & 0x000000FF000000FF) * 0x0000271000000001) >>
-                           32;
-    return {count, value};
+    return bytes;
 }
 
-/// True when ReadDigits may be used at `at` on this machine.
-inline bool CanReadDigits(const char* at, const char* end)
+/// Bit n of the result says whether byte n of eight readable ones is no digit.
+inline uint64_t OthersOfEight(const char* at)
 {
-    return std::endian::native == std::endian::little && end - at >= 8;
+    constexpr uint64_t lowBits = 0x7F7F7F7F7F7F7F7F;
+    const uint64_t bytes = LoadEight(at) ^ 0x3030303030303030;                // digits become 0 to 9
+    const uint64_t others = ((bytes & lowBits) + 0x7676767676767676) | bytes; // the high bit of each byte above 9
+    return ((others & ~lowBits) >> 7) * 0x0102040810204080 >> 56;             // gathers one bit of each byte
+}
+
+/// The same for 64 readable bytes.
+inline uint64_t OthersOf64(const char* at)
+{
+    uint64_t others = 0;
+#ifdef __SSE2__
+    for (unsigned part = 0; part < 64; part += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at + part));
+        const __m128i digitsLowest = _mm_add_epi8(bytes, _mm_set1_epi8(static_cast<char>(-128 - '0')));
+        const __m128i found = _mm_cmpgt_epi8(digitsLowest, _mm_set1_epi8(-128 + 9));
+        others |= uint64_t{static_cast<unsigned>(_mm_movemask_epi8(found))} << part;
+    }
+#else
+    for (unsigned part = 0; part < 64; part += 8) {
+        others |= OthersOfEight(at + part) << part;
+    }
+#endif
+    return others;
+}
+
+/// The value of `count` digits, 1 to 8, of which eight bytes can be read.
+inline uint64_t DigitsValue(const char* at, unsigned count)
+{
+    uint64_t bytes = (LoadEight(at) ^ 0x3030303030303030) << (64 - 8 * count); // zeros in front
+    bytes = bytes * 10 + (bytes >> 8);
+    return ((bytes & 0x000000FF000000FF) * 0x000F424000000064 +
+            ((bytes >> 16) & 0x000000FF000000FF) * 0x0000271000000001) >>
+           32;
 }
 
 /// Reads a number of the common shape at *at and moves *at behind it. True only when ",", ")" or `end` follows; then the
@@ -58,23 +83,15 @@ inline bool PlainNumber(const char** at, const char* end, double* result)
         ++next;
     }
     uint64_t digits = 0;
-    ptrdiff_t count = 0;
-    ptrdiff_t decimals = 0;
     const auto take = [&] {
         const char* const first = next;
-        if (CanReadDigits(next, end)) {
-            const DigitRun run = ReadDigits(next);
-            digits = digits * wholePowers[run.Count] + run.Value;
-            next += run.Count;
-        }
-        if (next == first || next - first == 8) {
-            for (; next != end && *next >= '0' && *next <= '9'; ++next) {
-                digits = digits * 10 + static_cast<uint64_t>(*next - '0');
-            }
+        for (; next != end && *next >= '0' && *next <= '9'; ++next) {
+            digits = digits * 10 + static_cast<uint64_t>(*next - '0');
         }
         return next - first;
     };
-    count = take();
+    ptrdiff_t count = take();
+    ptrdiff_t decimals = 0;
     if (next != end && *next == '.') {
         ++next;
         decimals = take();

@@ -128,32 +128,23 @@ bool WriteAll(int fd, std::string_view bytes)
     return true;
 }
 
-/// Reads to the end of a file that was `expected` bytes long when it was opened.
-bool ReadAll(int fd, size_t expected, std::string* bytes, std::string* error)
+/// Reads to the end of a file.
+bool ReadAll(OpenedFile* file, std::string* bytes, std::string* error)
 {
-    std::string content(expected + 1, '\0'); // room to see the end without growing
-    size_t filled = 0;
+    std::string content(file->Expected + 1, '\0'); // room to see the end without growing
     for (;;) {
-        if (filled == content.size()) {
-            // The file has grown meanwhile.
-            content.resize(filled + std::clamp<size_t>(filled / 2, 4096, size_t{1} << 20));
+        const size_t filled = file->Taken;
+        size_t count = 0;
+        if (!ReadOn(file, content.data() + filled, content.size() - filled, &count, error)) {
+            return false;
         }
-        const ssize_t count = StepRead(fd, content.data() + filled, content.size() - filled);
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count < 0) {
-            return Fail(errno, error);
-        }
-        if (count == 0) {
+        if (file->Taken < content.size()) {
             break;
         }
-        filled += static_cast<size_t>(count);
-        if (filled > largestFile) {
-            return Fail(EFBIG, error);
-        }
+        // The file has grown meanwhile.
+        content.resize(file->Taken + std::clamp<size_t>(file->Taken / 2, 4096, size_t{1} << 20));
     }
-    content.resize(filled);
+    content.resize(file->Taken);
     *bytes = std::move(content);
     return true;
 }
@@ -190,7 +181,14 @@ bool IsReadOnly(const std::string& path)
     return Status(path, &status) && ((status.st_mode & S_IWUSR) == 0 || access(path.c_str(), W_OK) != 0);
 }
 
-bool ReadFile(const std::string& path, std::string* bytes, std::string* error)
+OpenedFile::~OpenedFile()
+{
+    if (Descriptor >= 0) {
+        (void)close(Descriptor); // nothing was written, so nothing can be lost here
+    }
+}
+
+bool OpenForReading(const std::string& path, OpenedFile* file, std::string* error)
 {
     if (!IsPath(path)) {
         return FailPath(path, error);
@@ -203,26 +201,48 @@ bool ReadFile(const std::string& path, std::string* bytes, std::string* error)
     if (!S_ISREG(status.st_mode)) {
         return FailKind(status.st_mode, error);
     }
-    const int fd = StepOpenRead(path);
-    if (fd < 0) {
+    file->Descriptor = StepOpenRead(path);
+    if (file->Descriptor < 0 || fstat(file->Descriptor, &status) != 0) {
         return Fail(errno, error);
     }
-    bool good = false;
-    try {
-        if (fstat(fd, &status) != 0) {
-            Fail(errno, error);
-        } else if (!S_ISREG(status.st_mode)) {
-            FailKind(status.st_mode, error);
-        } else if (static_cast<uint64_t>(status.st_size) > largestFile) {
-            Fail(EFBIG, error);
-        } else {
-            good = ReadAll(fd, static_cast<size_t>(status.st_size), bytes, error);
-        }
-    } catch (const std::bad_alloc&) {
-        Fail(ENOMEM, error);
+    if (!S_ISREG(status.st_mode)) {
+        return FailKind(status.st_mode, error);
     }
-    (void)close(fd); // nothing was written, so nothing can be lost here
-    return good;
+    file->Expected = static_cast<size_t>(status.st_size);
+    return file->Expected <= largestFile || Fail(EFBIG, error);
+}
+
+bool ReadOn(OpenedFile* file, char* to, size_t size, size_t* count, std::string* error)
+{
+    *count = 0;
+    while (*count < size) {
+        const ssize_t step = StepRead(file->Descriptor, to + *count, size - *count);
+        if (step < 0 && errno == EINTR) {
+            continue;
+        }
+        if (step < 0) {
+            return Fail(errno, error);
+        }
+        if (step == 0) {
+            break;
+        }
+        *count += static_cast<size_t>(step);
+        file->Taken += static_cast<size_t>(step);
+        if (file->Taken > largestFile) {
+            return Fail(EFBIG, error);
+        }
+    }
+    return true;
+}
+
+bool ReadFile(const std::string& path, std::string* bytes, std::string* error)
+{
+    try {
+        OpenedFile file;
+        return OpenForReading(path, &file, error) && ReadAll(&file, bytes, error);
+    } catch (const std::bad_alloc&) {
+        return Fail(ENOMEM, error);
+    }
 }
 
 bool ReplaceFile(const std::string& path, std::string_view bytes, std::string* error)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -13,6 +14,22 @@
 [[nodiscard]] bool IsFolder(const std::string& path);
 /// True when something of that name exists and its owner may not write it, or this user may not.
 [[nodiscard]] bool IsReadOnly(const std::string& path);
+
+/// A regular file of less than 2 GB that is read from its start on. Closed with the end of its life.
+struct OpenedFile {
+    int Descriptor = -1;
+    size_t Expected = 0; ///< its length in bytes when it was opened
+    size_t Taken = 0;    ///< bytes read so far
+
+    OpenedFile() = default;
+    ~OpenedFile();
+    OpenedFile(const OpenedFile&) = delete;
+    OpenedFile& operator=(const OpenedFile&) = delete;
+};
+/// Opens a file into a fresh *file. Anything but such a file at that path is refused.
+bool OpenForReading(const std::string& path, OpenedFile* file, std::string* error);
+/// Reads on until `size` bytes stand at `to` or the file ends; *count is how many there are.
+bool ReadOn(OpenedFile* file, char* to, size_t size, size_t* count, std::string* error);
 
 /// Reads a whole regular file of less than 2 GB. Anything else at that path is refused.
 bool ReadFile(const std::string& path, std::string* bytes, std::string* error);

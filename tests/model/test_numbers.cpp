@@ -149,6 +149,24 @@ TEST(LeadingNumber, IsCorrectlyRoundedForRandomText)
     }
 }
 
+TEST(DigitsValue, AndThePlacesOfDigitsHoldForAnyBytes)
+{
+    std::mt19937 random(7);
+    for (int round = 0; round < 10'000; ++round) {
+        std::string text(80, '0');
+        for (char& c : text) {
+            c = static_cast<char>(random() % 2 == 0 ? random() % 256 : '0' + random() % 10);
+        }
+        for (unsigned place = 0; place < 64; ++place) {
+            const bool isDigit = text[place] >= '0' && text[place] <= '9';
+            ASSERT_EQ(OthersOf64(text.data()) >> place & 1, isDigit ? 0U : 1U) << place;
+            ASSERT_EQ(OthersOfEight(text.data() + place) & 1, isDigit ? 0U : 1U) << place;
+        }
+        const std::string digits = std::to_string(random() % 100'000'000);
+        ASSERT_EQ(DigitsValue((digits + text).data(), static_cast<unsigned>(digits.size())), std::stoul(digits));
+    }
+}
+
 TEST(PlainNumber, LeavesEveryOtherShapeToTheGeneralRule)
 {
     for (const std::string_view text : {"", "-", ".", "1E5", "1 2", "+1", "1x", "1\n", "1..2", "1234567890123456789"}) {

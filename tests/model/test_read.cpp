@@ -1,7 +1,10 @@
+#include <cerrno>
 #include <gmock/gmock.h>
+#include <system_error>
 
 #include "app/modStatus.h"
 #include "model/model_file.h"
+#include "model/modMvmAhead.h"
 
 namespace {
 
@@ -199,6 +202,16 @@ TEST_F(ReadModel, ReportsPathsThatCannotBeRead)
         EXPECT_GT(LastMessage().size(), std::string("Runtime error in LoadMVM\n").size());
         EXPECT_FALSE(LoadRunning);
     }
+}
+
+TEST_F(ReadModel, KeepsWhatStoodBeforeAReadError)
+{
+    std::ofstream(Path, std::ios::binary) << "bone \"A\"\r\n" << std::string(2 * ChunkBytes, '\r') << "bone \"B\"\r\n";
+    scripted::FailAt = 3; // behind the open and the first chunk
+    scripted::FailError = EIO;
+    EXPECT_FALSE(LoadMVM(Path));
+    EXPECT_THAT(BoneNames(), ElementsAre("A"));
+    EXPECT_EQ(LastMessage(), "Runtime error in LoadMVM\n" + std::generic_category().message(EIO));
 }
 
 TEST_F(ReadModel, StepsThroughTheFile)
