@@ -1,3 +1,4 @@
+#include <cstdint>
 #include <vector>
 
 #include <GL/gl.h>
@@ -15,6 +16,9 @@ struct LinePoint {
 };
 
 std::vector<LinePoint> normalLines;
+std::vector<int32_t> lastNormalOfVertex; ///< number of the normal drawn last at each vertex in this pass
+
+constexpr int32_t noNormalYet = INT32_MIN;
 
 void SetSmooth(GLenum what, bool on)
 {
@@ -167,11 +171,18 @@ void DrawNormals(int16_t mesh)
         glEnable(GL_LINE_SMOOTH);
     }
     normalLines.clear();
+    lastNormalOfVertex.assign(drawn.Vertices.Items.size(), noNormalYet);
     for (const MvmFace& face : drawn.Faces) {
         if (!FaceCornersValid(drawn, face)) {
             continue;
         }
         for (size_t k = 0; k < 3; ++k) {
+            // The same line once more would lose each of its pixels to the first, which has written their depths.
+            int32_t& last = lastNormalOfVertex[static_cast<size_t>(face.Vertex[k]) - 1];
+            if (last == face.Normal[k]) {
+                continue;
+            }
+            last = face.Normal[k];
             const Vec3& from = drawn.Vertices[face.Vertex[k]];
             const Vec3 normal = drawn.Normals.Has(face.Normal[k]) ? drawn.Normals[face.Normal[k]] : Vec3{};
             const Vec3 color{normal.X * 0.5F + 0.5F, normal.Z * 0.5F + 0.5F, normal.Y * 0.5F + 0.5F};
