@@ -4,6 +4,7 @@
 
 #include <GL/gl.h>
 
+#include "render/modFacing.h"
 #include "render/modMvmDraw.h"
 #include "render/modTexture.h"
 
@@ -60,16 +61,19 @@ bool HasOpacity(const Look& look)
     return Textures.Has(look.Texture) && Textures[look.Texture].HasOpacity;
 }
 
-/// Calls use(face, look) for each drawable face of the choice, in face order.
+/// Calls use(face, look, shows) for each drawable face of the choice, in face order. A face that does not show is one
+/// that GL would drop.
 template <typename Use>
 void ForEachFace(const MvmMesh& mesh, FaceChoice choice, Use use)
 {
     const std::vector<Look> looks = LooksOfMesh(mesh);
-    for (const MvmFace& face : mesh.Faces) {
+    const std::vector<uint8_t>& turnedAway = FacesTurnedAway(mesh);
+    for (size_t i = 0; i < turnedAway.size(); ++i) {
+        const MvmFace& face = mesh.Faces.Items[i];
         const Look& look = looks[mesh.MeshMaterials.Has(face.Material) ? static_cast<size_t>(face.Material) : 0];
         const bool chosen = choice == FaceChoice::All || HasOpacity(look) == (choice == FaceChoice::WithOpacity);
         if (chosen && FaceCornersValid(mesh, face)) {
-            use(face, look);
+            use(face, look, turnedAway[i] == 0);
         }
     }
 }
@@ -80,9 +84,9 @@ void DrawPlainTriangles(const MvmMesh& mesh, FaceChoice choice)
 {
     triangleVertices.clear();
     triangleVertices.reserve(mesh.Faces.Items.size() * 3);
-    ForEachFace(mesh, choice, [](const MvmFace& face, const Look&) {
-        for (const int16_t vertex : face.Vertex) {
-            triangleVertices.push_back(static_cast<uint16_t>(vertex - 1));
+    ForEachFace(mesh, choice, [](const MvmFace& face, const Look&, bool shows) {
+        for (size_t k = 0; shows && k < 3; ++k) {
+            triangleVertices.push_back(static_cast<uint16_t>(face.Vertex[k] - 1));
         }
     });
     if (triangleVertices.empty()) {
@@ -100,10 +104,15 @@ const FaceBatches& CollectRuns(const MvmMesh& mesh, FaceChoice choice)
     batches.Corners.clear();
     batches.Indices.clear();
     batches.Runs.clear();
+    batches.Last.reset();
     cornerNumbers.clear();
     lastCornerOfVertex.resize(INT16_MAX + 1);
     size_t runStart = 0;
-    ForEachFace(mesh, choice, [&mesh, &runStart](const MvmFace& face, const Look& look) {
+    ForEachFace(mesh, choice, [&mesh, &runStart](const MvmFace& face, const Look& look, bool shows) {
+        batches.Last = look;
+        if (!shows) {
+            return;
+        }
         if (batches.Runs.empty() || batches.Runs.back().Shared != look) {
             batches.Runs.push_back({look, batches.Indices.size(), 0});
             runStart = cornerNumbers.size();
@@ -119,7 +128,11 @@ const FaceBatches& CollectRuns(const MvmMesh& mesh, FaceChoice choice)
 
 void DrawRuns(const FaceBatches& drawn)
 {
+    if (!drawn.Last) {
+        return;
+    }
     if (drawn.Runs.empty()) {
+        ApplyLook(*drawn.Last, nullptr);
         return;
     }
     glEnableClientState(GL_VERTEX_ARRAY);
@@ -135,6 +148,7 @@ void DrawRuns(const FaceBatches& drawn)
                        &drawn.Indices[run.FirstIndex]);
         previous = &run.Shared;
     }
+    ApplyLook(*drawn.Last, previous);
     glDisableClientState(GL_TEXTURE_COORD_ARRAY);
     glDisableClientState(GL_NORMAL_ARRAY);
     glDisableClientState(GL_VERTEX_ARRAY);

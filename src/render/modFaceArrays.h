@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "app/modMvmDef.h"
@@ -35,9 +36,10 @@ struct FaceBatches {
     std::vector<Corner> Corners;
     std::vector<uint32_t> Indices; ///< into Corners, three for each face
     std::vector<FaceRun> Runs;
+    std::optional<Look> Last; ///< of the last face, also when GL would drop it: its state holds for what comes after
 };
 
-/// The chosen faces as runs of equal look. Valid until the next call.
+/// The chosen faces as runs of equal look, without those that are turned away for certain. Valid until the next call.
 [[nodiscard]] const FaceBatches& CollectRuns(const MvmMesh& mesh, FaceChoice choice);
-/// Draws all runs in order; each is preceded by its look's state.
+/// Draws all runs in order; each is preceded by its look's state, and the look of the last face stays in force.
 void DrawRuns(const FaceBatches& batches);

@@ -36,6 +36,10 @@ protected:
         EditTarget = static_cast<int16_t>(random() % 8 == 0 ? 1 : 0);
         PointSize = 1 + Below(10);
         CurrentCamera = static_cast<int16_t>(1 + Below(8));
+        InitCameras();
+        ViewCamera& camera = Cameras[static_cast<size_t>(CurrentCamera)];
+        camera.Rotation = Coin() ? Vec3{Below(90) * 1.0F, Below(360) * 1.0F, 0} : camera.Rotation;
+        camera.Position.Z *= 0.3F + Below(100) * 0.015F;
         MouseButton = Coin() ? 1 : 0;
         MouseStartX = 12.5F;
         MouseStartY = 17;
