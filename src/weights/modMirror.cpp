@@ -47,7 +47,7 @@ std::vector<int16_t> PairBones(bool leftToRight)
         }
     }
     // The first source bone that reaches a target bone takes it.
-    NearTree tree = BuildNear(std::move(targets), true);
+    NearTree tree = BuildNear(std::move(targets));
     std::vector<int16_t> firstSource(static_cast<size_t>(count) + 1);
     std::vector<int32_t> taken;
     for (int32_t j = 1; j <= count; ++j) {
@@ -88,7 +88,7 @@ struct VertexPass {
 /// are walked backwards, and the first to reach a target settles it.
 void OverwriteTargets(VertexPass pass, bool unassign)
 {
-    NearTree tree = BuildNear(std::move(pass.Targets), true);
+    NearTree tree = BuildNear(std::move(pass.Targets));
     std::vector<int32_t> taken;
     for (auto source = pass.Sources.rbegin(); source != pass.Sources.rend(); ++source) {
         if (source->Gives == 0 && !unassign) {
@@ -108,10 +108,10 @@ void OverwriteTargets(VertexPass pass, bool unassign)
 void FillTargets(VertexPass pass, bool unassign)
 {
     Array1<int16_t>& bones = pass.Mesh->VertexBones;
+    NearTree tree = BuildNear(std::move(pass.Targets));
     std::vector<std::pair<int32_t, int32_t>> cleared; // (source, target)
     std::vector<int32_t> taken;
     if (unassign) {
-        NearTree tree = BuildNear(pass.Targets, true);
         for (auto source = pass.Sources.rbegin(); source != pass.Sources.rend(); ++source) {
             if (source->Gives != 0) {
                 continue;
@@ -124,16 +124,6 @@ void FillTargets(VertexPass pass, bool unassign)
             }
         }
     }
-    NearTree tree = BuildNear(std::move(pass.Targets), false);
-    std::vector<uint8_t> waits(static_cast<size_t>(bones.Count()) + 1);
-    for (const auto& entry : cleared) {
-        waits[static_cast<size_t>(entry.second)] = 1;
-    }
-    for (int32_t i = 1; i <= bones.Count(); ++i) {
-        if (bones[i] < 1 && waits[static_cast<size_t>(i)] == 0) {
-            ActivatePoint(&tree, i);
-        }
-    }
     for (const Source& source : pass.Sources) {
         for (; !cleared.empty() && cleared.back().first == source.Vertex; cleared.pop_back()) {
             ActivatePoint(&tree, cleared.back().second);
@@ -144,7 +134,9 @@ void FillTargets(VertexPass pass, bool unassign)
         taken.clear();
         TakeInBox(&tree, MirrorBox(pass.Mesh->Vertices[source.Vertex], MirrorVertexThreshold), &taken);
         for (const int32_t i : taken) {
-            bones[i] = source.Gives;
+            if (bones[i] < 1) {
+                bones[i] = source.Gives;
+            }
         }
     }
 }

@@ -63,10 +63,13 @@ void AutoAssign(int16_t mesh)
                               b});
         }
     }
-    const NearTree tree = BuildNear(std::move(places), true);
+    const NearTree tree = BuildNear(std::move(places));
+    int32_t nearest = 0;
     for (int32_t v = 1; v <= skin.VertexBones.Count(); ++v) {
         if (skin.VertexBones[v] == 0) {
-            skin.VertexBones[v] = static_cast<int16_t>(NearestPoint(tree, skin.Vertices[v], farthest));
+            // Vertices that follow each other are mostly neighbours.
+            nearest = NearestPoint(tree, skin.Vertices[v], farthest, nearest);
+            skin.VertexBones[v] = static_cast<int16_t>(nearest);
         }
     }
     Redraw(true);

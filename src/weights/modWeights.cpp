@@ -147,29 +147,27 @@ std::string WeightsBytes(const MvmMesh& mesh)
 
 void AssignByPosition(const std::vector<WeightsVertex>& records, MvmMesh* mesh)
 {
+    std::vector<NearPoint> points;
+    points.reserve(mesh->VertexBones.Items.size());
+    for (int32_t v = 1; v <= mesh->VertexBones.Count(); ++v) {
+        const Vec3& place = mesh->Vertices[v];
+        points.push_back({{place.X, place.Y, place.Z}, v});
+    }
+    NearTree tree = BuildNear(std::move(points));
     std::vector<const WeightsVertex*> assignable;
+    assignable.reserve(records.size());
     int32_t number = 0;
     for (const WeightsVertex& record : records) {
         if (CanAssign(record, ++number)) {
             assignable.push_back(&record);
         }
     }
-    std::vector<NearPoint> points;
-    for (int32_t v = 1; v <= mesh->VertexBones.Count(); ++v) {
-        const Vec3& place = mesh->Vertices[v];
-        points.push_back({{place.X, place.Y, place.Z}, v});
-    }
-    NearTree tree = BuildNear(std::move(points), true);
     std::vector<int32_t> taken;
     // The last record that reaches a vertex decides, so records are walked backwards and each vertex is taken once.
     std::reverse(assignable.begin(), assignable.end());
     for (const WeightsVertex* record : assignable) {
-        const Vec3& place = record->Place;
         taken.clear();
-        TakeInBox(&tree,
-                  {{FloatAbove(place.X - tolerance), FloatAbove(place.Y - tolerance), FloatAbove(place.Z - tolerance)},
-                   {FloatBelow(place.X + tolerance), FloatBelow(place.Y + tolerance), FloatBelow(place.Z + tolerance)}},
-                  &taken);
+        TakeInBox(&tree, BoxAround(record->Place, tolerance), &taken);
         for (const int32_t v : taken) {
             mesh->VertexBones[v] = record->Bone;
         }

@@ -18,6 +18,13 @@ inline float Pick(std::mt19937* random, const std::vector<float>& from)
     return from[(*random)() % from.size()];
 }
 
+/// A number of points: a few, or such that nodes of a search are just full or just not.
+inline std::mt19937::result_type Count(std::mt19937* random)
+{
+    const std::mt19937::result_type full[] = {16, 17, 256, 257, 300};
+    return (*random)() % 4 == 0 ? full[(*random)() % 5] : (*random)() % 150;
+}
+
 /// A place of the arrangement `kind`, with steps of `step` between neighbours where it has a pattern.
 inline Vec3 Place(std::mt19937* random, int kind, float step)
 {

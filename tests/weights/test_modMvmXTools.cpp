@@ -52,7 +52,7 @@ TEST_F(Tools, AutoAssignEqualsThePlainLoop)
         const float step = shapes::Pick(&random, {0.01F, 1.0F, 1e-44F, 250000.0F});
         SkinScale = shapes::Pick(&random, {1, 1, 0.37F, std::numeric_limits<float>::infinity()});
         SkinOffset = random() % 2 == 0 ? Vec3{} : shapes::Place(&random, 0, step);
-        const auto bones = 1 + random() % 100;
+        const auto bones = 1 + shapes::Count(&random);
         for (unsigned b = 0; b < bones; ++b) {
             MvmBone& bone = Bones.Add();
             bone.Position = shapes::Place(&random, kind, step);

@@ -227,7 +227,7 @@ TEST_F(Weights, ByPositionEqualsThePlainLoop)
         std::mt19937 random(seed);
         const int kind = static_cast<int>(seed % shapes::Kinds);
         const float step = shapes::Pick(&random, {0.002F, 0.001F, 0.00199F, 1.0F});
-        std::vector<Vec3> places(random() % 150);
+        std::vector<Vec3> places(shapes::Count(&random));
         std::vector<int16_t> bones(places.size());
         for (Vec3& place : places) {
             place = shapes::Place(&random, kind, step);
