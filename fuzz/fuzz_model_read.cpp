@@ -3,6 +3,7 @@
 #include "app/modMvmDef.h"
 #include "dialogs/modReports.h"
 #include "memory_file.h"
+#include "model/modMvmAhead.h"
 #include "model/modMvmRead.h"
 #include "model/modMvmWrite.h"
 #include "support/scripted.h"
@@ -12,6 +13,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     scripted::Reset();
+    ChunkBytes = 100; // so that the parts of a small file meet its borders too
     if (!LoadMVM(MemoryFile(0, data, size)) && scripted::Messages.empty()) {
         __builtin_trap();
     }
