@@ -29,17 +29,35 @@ bool Fill(ChunksAhead* ahead, TextChunk* chunk, std::string* error)
         if (ahead->FileEnded) {
             break;
         }
-        const size_t found = std::string_view(memory.data() + from, size - 1 - from).rfind('\r');
-        if (found != std::string_view::npos) {
-            const char* const end = memory.data() + size;
-            chunk->Size = static_cast<size_t>(BehindLine(memory.data() + from + found, end) - memory.data());
+        const char* const end = memory.data() + size;
+        if (FindLineEnd(memory.data() + from, end - 1) != end - 1) {
+            const size_t lineEnd = std::string_view(memory.data(), size - 1).rfind('\r');
+            chunk->Size = static_cast<size_t>(BehindLine(memory.data() + lineEnd, end) - memory.data());
             break;
         }
-        memory.resize(2 * memory.size());
+        const size_t left = ahead->File->Expected - std::min(ahead->File->Taken, ahead->File->Expected);
+        memory.resize(memory.size() + std::clamp(left + 1, ChunkBytes, memory.size()));
     }
     ahead->Rest.assign(memory, chunk->Size, size - chunk->Size);
     std::memset(memory.data() + chunk->Size, '\r', commonPadding);
     return true;
+}
+
+/// True when another chunk may be filled. Long lines must not bring the whole file into memory.
+bool HasRoom(const ChunksAhead& ahead)
+{
+    const size_t count = ahead.Filled - ahead.Taken;
+    return count == 0 || (count < ahead.Ring.size() && ahead.TextAhead < ahead.Ring.size() * ChunkBytes);
+}
+
+/// What the taker does with a chunk that it is done with.
+void GiveBack(ChunksAhead* ahead, TextChunk* chunk)
+{
+    ahead->TextAhead -= chunk->Size;
+    if (chunk->Memory.size() > 2 * ChunkBytes + commonPadding) {
+        chunk->Memory = std::string(); // a long line; the next one is hardly that long
+        chunk->Lines = CommonLines();
+    }
 }
 
 /// Reads the lines of the first chunk that nobody has claimed; there is one. The lock is held before and after.
@@ -98,16 +116,19 @@ void StartChunks(OpenedFile* file, ChunksAhead* ahead)
 
 bool NextChunk(ChunksAhead* ahead, const TextChunk** chunk, std::string* error)
 {
-    ahead->Taken += ahead->Started ? 1 : 0;
+    if (ahead->Started) {
+        GiveBack(ahead, &ahead->Ring[ahead->Taken++ % ahead->Ring.size()]);
+    }
     ahead->Started = true;
     *chunk = nullptr;
     // Only the taker changes Filled, and a chunk from there on is its own.
-    while (!ahead->FileEnded && ahead->Filled - ahead->Taken < ahead->Ring.size()) {
+    while (!ahead->FileEnded && HasRoom(*ahead)) {
         TextChunk& next = ahead->Ring[ahead->Filled % ahead->Ring.size()];
         next.Done = false;
         if (!Fill(ahead, &next, error)) {
             return false;
         }
+        ahead->TextAhead += next.Size;
         {
             const std::lock_guard lock(ahead->Guard);
             ++ahead->Filled;

@@ -16,7 +16,7 @@
 // read the common lines of the chunks ahead of it. They see nothing but their chunk.
 
 inline size_t ChunkBytes = size_t{128} << 10; ///< text of a chunk, more only for a longer line; from 1 on
-inline size_t ThreadedFrom = size_t{1} << 20; ///< a file below this many bytes is left to the taker alone
+inline size_t ThreadedFrom = size_t{2} << 20; ///< a file below this many bytes is left to the taker alone
 
 /// Threads that help the taker with a file. More would wait for it.
 inline unsigned ReaderThreads = std::min(std::max(std::thread::hardware_concurrency(), 1U) - 1, 4U);
@@ -35,6 +35,7 @@ struct ChunksAhead {
     bool FileEnded = false;
     std::string Rest; ///< the begin of a line that the last chunk did not hold to its end
     std::vector<TextChunk> Ring;
+    size_t TextAhead = 0; ///< bytes of text in these chunks
     size_t Taken = 0;
     bool Started = false; ///< chunk Taken is with the taker
 
