@@ -8,15 +8,6 @@ constexpr double pi = 3.14159265358979;
 
 } // namespace
 
-double TriangleArea(const Vec3& a, const Vec3& b, const Vec3& c)
-{
-    const auto ab = static_cast<float>(VecDistance(a, b));
-    const auto bc = static_cast<float>(VecDistance(b, c));
-    const double ca = VecDistance(c, a);
-    const double s = (ab + static_cast<double>(bc) + ca) * 0.5;
-    return std::sqrt(s * (s - ab) * (s - bc) * (s - ca));
-}
-
 double VecAngle(const Vec3& a, const Vec3& b)
 {
     return ArcCos(static_cast<float>(VecDot(VecNormalize(a), VecNormalize(b))));

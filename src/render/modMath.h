@@ -28,10 +28,10 @@
 [[nodiscard]] inline Vec3 VecNormalize(const Vec3& a)
 {
     const double length = VecLength(a);
-    if (!(length > 0)) {
-        return {};
-    }
-    return {static_cast<float>(a.X / length), static_cast<float>(a.Y / length), static_cast<float>(a.Z / length)};
+    const auto x = static_cast<float>(a.X / length);
+    const auto y = static_cast<float>(a.Y / length);
+    const auto z = static_cast<float>(a.Z / length);
+    return {length > 0 ? x : 0, length > 0 ? y : 0, length > 0 ? z : 0};
 }
 
 [[nodiscard]] inline double VecDistance(const Vec3& a, const Vec3& b)
@@ -56,7 +56,15 @@
 }
 
 /// Heron's formula on the sides |a-b| and |b-c| as 32-bit floats and |c-a|; may be not a number for a sliver.
-[[nodiscard]] double TriangleArea(const Vec3& a, const Vec3& b, const Vec3& c);
+[[nodiscard]] inline double TriangleArea(const Vec3& a, const Vec3& b, const Vec3& c)
+{
+    const auto ab = static_cast<float>(VecDistance(a, b));
+    const auto bc = static_cast<float>(VecDistance(b, c));
+    const double ca = VecDistance(c, a);
+    const double s = (ab + static_cast<double>(bc) + ca) * 0.5;
+    return std::sqrt(s * (s - ab) * (s - bc) * (s - ca));
+}
+
 /// Angle in radians, 0 to pi; pi/2 when a vector is zero; may be not a number from rounding.
 [[nodiscard]] double VecAngle(const Vec3& a, const Vec3& b);
 /// 0 for exactly 1, 3.1415927 for exactly -1, else pi/2 - atan(x / sqrt(1 - x * x)).
