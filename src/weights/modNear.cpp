@@ -379,12 +379,12 @@ float LargestWithin(float limit, float tolerance)
     // The sum is at most a step or two off, but where it is tiny against both: then all floats are searched.
     const double sum = static_cast<double>(limit) + tolerance;
     const int32_t guess = std::isnan(sum) ? 0 : KeyOf(static_cast<float>(std::clamp<double>(sum, -largest, largest)));
-    int32_t low = std::max(guess - 2, -end);
-    int32_t high = std::min(guess + 2, end);
-    if ((low > -end && !passes(low)) || (high < end && passes(high))) {
-        low = -end;
-        high = end;
+    if (guess - 2 > -end && guess + 2 < end && passes(guess - 2) && !passes(guess + 2)) {
+        return FloatOf(guess - 2 + static_cast<int32_t>(passes(guess - 1)) + static_cast<int32_t>(passes(guess)) +
+                       static_cast<int32_t>(passes(guess + 1)));
     }
+    int32_t low = -end;
+    int32_t high = end;
     while (low + 1 < high) {
         const int32_t middle = std::midpoint(low, high); // the difference of both can pass 32 bits
         (passes(middle) ? low : high) = middle;
