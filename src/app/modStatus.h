@@ -6,16 +6,18 @@
 // What the core tells the user while it works. The main window implements these; tests have a form that records them.
 // All texts are UTF-8.
 
-inline bool LogDirty = false;               ///< lines went to the log that the user has not been shown
-inline int64_t PumpInterval = 1000000 / 60; ///< microseconds that ProgressStep lets pass between two rounds of events
-inline bool StopRequested = false;          ///< the window was closed during a load: the load ends at its next step
+inline bool LogDirty = false; ///< lines went to the log that the user has not been shown
+/// Microseconds that ProgressStep lets pass between two rounds of events. Where software draws the window, a round takes
+/// some milliseconds.
+inline int64_t PumpInterval = 1000000 / 30;
+inline bool StopRequested = false; ///< the window was closed during a load: the load ends at its next step
 
 /// Shows `text` in the status panel with this key: "toolhelp" or "progress".
 void SetPanelText(const std::string& key, const std::string& text);
 
 /// Shows the progress bar. A maximum below 1 counts as 1.
 void ProgressBegin(int32_t maximum);
-/// Moves the bar to `value`, held to 1..maximum. Serves pending events when 1/60 s has passed since the last time.
+/// Moves the bar to `value`, held to 1..maximum. Serves pending events when PumpInterval has passed since the last time.
 void ProgressStep(int32_t value);
 void ProgressEnd();
 
