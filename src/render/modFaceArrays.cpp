@@ -61,19 +61,17 @@ bool HasOpacity(const Look& look)
     return Textures.Has(look.Texture) && Textures[look.Texture].HasOpacity;
 }
 
-/// Calls use(face, look, shows) for each drawable face of the choice, in face order. A face that does not show is one
-/// that GL would drop.
+/// Calls use(face, look, place in Faces from 0) for each drawable face of the choice, in face order.
 template <typename Use>
 void ForEachFace(const MvmMesh& mesh, FaceChoice choice, Use use)
 {
     const std::vector<Look> looks = LooksOfMesh(mesh);
-    const std::vector<uint8_t>& turnedAway = FacesTurnedAway(mesh);
-    for (size_t i = 0; i < turnedAway.size(); ++i) {
+    for (size_t i = 0; i < mesh.Faces.Items.size(); ++i) {
         const MvmFace& face = mesh.Faces.Items[i];
         const Look& look = looks[mesh.MeshMaterials.Has(face.Material) ? static_cast<size_t>(face.Material) : 0];
         const bool chosen = choice == FaceChoice::All || HasOpacity(look) == (choice == FaceChoice::WithOpacity);
         if (chosen && FaceCornersValid(mesh, face)) {
-            use(face, look, turnedAway[i] == 0);
+            use(face, look, i);
         }
     }
 }
@@ -84,9 +82,9 @@ void DrawPlainTriangles(const MvmMesh& mesh, FaceChoice choice)
 {
     triangleVertices.clear();
     triangleVertices.reserve(mesh.Faces.Items.size() * 3);
-    ForEachFace(mesh, choice, [](const MvmFace& face, const Look&, bool shows) {
-        for (size_t k = 0; shows && k < 3; ++k) {
-            triangleVertices.push_back(static_cast<uint16_t>(face.Vertex[k] - 1));
+    ForEachFace(mesh, choice, [](const MvmFace& face, const Look&, size_t) {
+        for (const int16_t vertex : face.Vertex) {
+            triangleVertices.push_back(static_cast<uint16_t>(vertex - 1));
         }
     });
     if (triangleVertices.empty()) {
@@ -108,9 +106,10 @@ const FaceBatches& CollectRuns(const MvmMesh& mesh, FaceChoice choice)
     cornerNumbers.clear();
     lastCornerOfVertex.resize(INT16_MAX + 1);
     size_t runStart = 0;
-    ForEachFace(mesh, choice, [&mesh, &runStart](const MvmFace& face, const Look& look, bool shows) {
+    const std::vector<uint8_t>& turnedAway = FacesTurnedAway(mesh);
+    ForEachFace(mesh, choice, [&mesh, &runStart, &turnedAway](const MvmFace& face, const Look& look, size_t place) {
         batches.Last = look;
-        if (!shows) {
+        if (turnedAway[place] != 0) {
             return;
         }
         if (batches.Runs.empty() || batches.Runs.back().Shared != look) {

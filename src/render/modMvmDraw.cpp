@@ -52,7 +52,9 @@ void DrawEditingPasses(bool isolines)
         DrawTintedSurface(target);
         break;
     }
+    glFlush(); // the pixels of a pass can be filled while the next one is put together
     DrawVertices(target);
+    glFlush();
     if (isolines) {
         DrawIsolines(target);
     }
