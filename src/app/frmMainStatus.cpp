@@ -20,17 +20,11 @@ using Clock = std::chrono::steady_clock;
 int32_t progressMaximum = 1;
 Clock::time_point lastPump;
 int32_t lastLook = 0; ///< the value at which the clock was read
+int32_t lastStep = 0; ///< the value of the last step; 0 before the first one
 
 bool PumpIsDue()
 {
     return Clock::now() - lastPump >= std::chrono::microseconds(PumpInterval);
-}
-
-void ShowProgress(const frmMain& window, int32_t value)
-{
-    window.pgbProgress->setValue(value);
-    const double percent = static_cast<double>(value) / progressMaximum * 100;
-    window.txtProgress->setText(QString::number(std::lrint(percent)) + QLatin1Char('%'));
 }
 
 } // namespace
@@ -47,6 +41,7 @@ void ProgressBegin(int32_t maximum)
     progressMaximum = std::max(maximum, 1);
     lastPump = Clock::now();
     lastLook = 0;
+    lastStep = 0;
     if (frmMain* window = MainForm()) {
         window->BeginBusy();
         window->pgbProgress->setRange(0, progressMaximum);
@@ -60,6 +55,7 @@ void ProgressStep(int32_t value)
 {
     const int32_t held = std::clamp(value, 1, progressMaximum);
     const bool last = held == progressMaximum;
+    lastStep = held;
     // Short steps come by the million, so the clock is read some thousand times in an operation at most.
     const bool close = std::abs(held - lastLook) < progressMaximum / 4096;
     if (!last && close) {
@@ -69,13 +65,24 @@ void ProgressStep(int32_t value)
     if (!last && !PumpIsDue()) {
         return;
     }
-    if (const frmMain* window = MainForm()) {
-        ShowProgress(*window, held);
+    if (MainForm() != nullptr) {
+        ProgressShow();
         if (PumpIsDue()) {
             PumpEvents();
             lastPump = Clock::now();
         }
     }
+}
+
+void ProgressShow()
+{
+    const frmMain* window = MainForm();
+    if (window == nullptr || lastStep == 0) {
+        return;
+    }
+    window->pgbProgress->setValue(lastStep);
+    const double percent = static_cast<double>(lastStep) / progressMaximum * 100;
+    window->txtProgress->setText(QString::number(std::lrint(percent)) + QLatin1Char('%'));
 }
 
 void ProgressEnd()

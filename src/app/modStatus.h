@@ -19,6 +19,8 @@ void SetPanelText(const std::string& key, const std::string& text);
 void ProgressBegin(int32_t maximum);
 /// Moves the bar to `value`, held to 1..maximum. Serves pending events when PumpInterval has passed since the last time.
 void ProgressStep(int32_t value);
+/// Shows the value of the last step, which a step leaves to the next round of events. For a message during the operation.
+void ProgressShow();
 void ProgressEnd();
 
 /// Appends one line to the Info Log and marks it as not yet seen.

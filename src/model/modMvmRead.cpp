@@ -165,6 +165,7 @@ bool Load(const std::string& path, Loading* loading, std::string* error)
 
 void ShowFailure(const Loading& loading, const std::string& description)
 {
+    ProgressShow();
     const std::string place = loading.Line > 0 ? "Line " + std::to_string(loading.Line) + ": " : std::string();
     ShowMessage(BoxIcon::Stop, "Runtime error in LoadMVM\n" + place + description);
 }

@@ -52,6 +52,7 @@ std::string FindMap(const std::string& map, const std::string& folder, FolderNam
 
 int16_t FailTexture(const std::string& colorFile, const std::string& description)
 {
+    ProgressShow();
     ShowMessage(BoxIcon::Stop, "Runtime error in LoadTexture\n" + description + "\n\"" + colorFile +
                                    "\"\r\nMake sure your textures have power-of-two dimensions!");
     return 0;

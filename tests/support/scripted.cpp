@@ -137,6 +137,8 @@ void ProgressStep(int32_t value)
     scripted::Progress.emplace_back(progressMaximum, value);
 }
 
+void ProgressShow() {}
+
 void ProgressEnd() {}
 
 void LogLine(const std::string& text)

@@ -15,6 +15,8 @@
 #include <QTabWidget>
 #include <QToolButton>
 
+#include <utility>
+
 #include "app/modApp.h"
 #include "app/modMvmDef.h"
 #include "app/modStatus.h"
@@ -228,6 +230,22 @@ TEST(WindowBuild, TheProgressStandsOnTheStatusBar)
         ProgressEnd();
         EXPECT_FALSE(window->pgbProgress->isVisible() || window->txtProgress->isVisible());
     }
+    // A load that fails leaves them where it ended, also when no event was served on the way.
+    const TempFolder folder;
+    std::string half(512, '\r');
+    half += "mesh \"a\"\r{\rv=(1E99,0,0)\r";
+    half.resize(1024, '\r');
+    PutFile(folder / "half.mvm", half);
+    const int64_t usual = std::exchange(PumpInterval, 1'000'000'000);
+    const auto seen = [&](QDialog* dialog) {
+        EXPECT_EQ(window->txtProgress->text(), QStringLiteral("50%"));
+        EXPECT_EQ(window->pgbProgress->value(), 512);
+        dialog->accept();
+    };
+    const DialogSteps steps({seen, seen});
+    window->OpenFile(folder / "half.mvm");
+    EXPECT_TRUE(window->pgbProgress->isVisible() && window->txtProgress->isVisible());
+    PumpInterval = usual;
 }
 
 // Runs itself once more on a desktop that gives no OpenGL at all.
