@@ -6,6 +6,7 @@
 #include <exception>
 #include <new>
 #include <string_view>
+#include <vector>
 
 #include "app/modMvmDef.h"
 #include "model/modNumbers.h"
@@ -15,195 +16,201 @@
 
 namespace {
 
-// One line of numbers. The longest is a face of ten numbers, below 90 characters.
-struct Line {
-    std::array<char, 160> Text;
-    char* End = Text.data();
+constexpr size_t partSize = size_t{1} << 18;
+constexpr size_t longestLine = 160; ///< of numbers: a face of ten, below 90 characters
 
-    void Add(std::string_view text)
-    {
-        std::memcpy(End, text.data(), text.size());
-        End += text.size();
-    }
-    void Add(char c) { *End++ = c; }
-    void Add(float value) { End = FloatToChars(value, End); }
-    void Add(int16_t value) { End = Int16ToChars(value, End); }
+/// Takes the text of a model and hands it on in parts: memory that is used again costs less than the whole text's.
+struct TextSink {
+    const PartWriter& Write;
+    std::vector<char> Part = std::vector<char>(partSize + longestLine);
+    size_t Size = 0;
 
-    /// "(x,y,z)" in file axes.
-    void Add(const Vec3& value)
+    void Flush()
     {
-        Add('(');
-        Add(value.X);
-        Add(',');
-        Add(-value.Z);
-        Add(',');
-        Add(value.Y);
-        Add(')');
+        Write({Part.data(), Size});
+        Size = 0;
     }
-    void Add(const std::array<int16_t, 3>& numbers)
+    /// Where the next line goes: room for the longest one.
+    char* LineStart()
     {
-        Add('(');
-        Add(numbers[0]);
-        Add(',');
-        Add(numbers[1]);
-        Add(',');
-        Add(numbers[2]);
-        Add(')');
+        if (Size > partSize) {
+            Flush();
+        }
+        return Part.data() + Size;
     }
-    /// Ends the line, moves it to `text` and starts anew.
-    void PutInto(std::string* text)
+    /// Ends the line that was written from LineStart to `end`.
+    void EndLine(char* end)
     {
-        Add("\r\n");
-        text->append(Text.data(), static_cast<size_t>(End - Text.data()));
-        End = Text.data();
+        *end++ = '\r';
+        *end++ = '\n';
+        Size = static_cast<size_t>(end - Part.data());
+    }
+    void Put(std::string_view text)
+    {
+        if (text.size() > longestLine) {
+            Flush();
+            Write(text);
+        } else {
+            std::memcpy(LineStart(), text.data(), text.size());
+            Size += text.size();
+        }
     }
 };
 
-void PutLine(std::string_view content, std::string* text)
+// Each writes to `to` and gives the end.
+
+char* Add(std::string_view text, char* to)
 {
-    text->append(content).append("\r\n");
+    std::memcpy(to, text.data(), text.size());
+    return to + text.size();
 }
 
-void PutQuoted(std::string_view before, std::string_view value, std::string* text)
+char* Add(char c, char* to)
 {
-    text->append(before).append("\"").append(value).append("\"\r\n");
+    *to = c;
+    return to + 1;
 }
 
-void PutTriple(std::string_view before, const Vec3& value, std::string* text)
+/// "(x,y,z)" in file axes.
+char* Add(const Vec3& value, char* to)
 {
-    Line line;
-    line.Add(before);
-    line.Add(value);
-    line.PutInto(text);
+    to = FloatToChars(value.X, Add('(', to));
+    to = FloatToChars(-value.Z, Add(',', to));
+    to = FloatToChars(value.Y, Add(',', to));
+    return Add(')', to);
 }
 
-void PutMaterial(const MvmMaterial& material, std::string* text)
+char* Add(const std::array<int16_t, 3>& numbers, char* to)
 {
-    PutQuoted("material ", material.Name, text);
-    PutLine("{", text);
+    to = Int16ToChars(numbers[0], Add('(', to));
+    to = Int16ToChars(numbers[1], Add(',', to));
+    to = Int16ToChars(numbers[2], Add(',', to));
+    return Add(')', to);
+}
+
+void PutLine(std::string_view content, TextSink* sink)
+{
+    sink->Put(content);
+    sink->Put("\r\n");
+}
+
+void PutQuoted(std::string_view before, std::string_view value, TextSink* sink)
+{
+    sink->Put(before);
+    sink->Put("\"");
+    sink->Put(value);
+    sink->Put("\"\r\n");
+}
+
+void PutTriple(std::string_view before, const Vec3& value, TextSink* sink)
+{
+    sink->EndLine(Add(value, Add(before, sink->LineStart())));
+}
+
+void PutMaterial(const MvmMaterial& material, TextSink* sink)
+{
+    PutQuoted("material ", material.Name, sink);
+    PutLine("{", sink);
     if (!material.ColorMap.empty()) {
-        PutQuoted(" colormap = ", material.ColorMap, text);
+        PutQuoted(" colormap = ", material.ColorMap, sink);
     }
     if (!material.OpacityMap.empty()) {
-        PutQuoted(" opacitymap = ", material.OpacityMap, text);
+        PutQuoted(" opacitymap = ", material.OpacityMap, sink);
     }
     if (!material.BumpMap.empty()) {
-        PutQuoted(" bumpmap = ", material.BumpMap, text);
+        PutQuoted(" bumpmap = ", material.BumpMap, sink);
     }
-    PutLine("}\r\n", text);
+    PutLine("}\r\n", sink);
 }
 
-void PutBone(const MvmBone& bone, std::string* text)
+void PutBone(const MvmBone& bone, TextSink* sink)
 {
-    PutQuoted("bone ", bone.Name, text);
-    PutLine("{", text);
-    PutTriple(" position = ", bone.Position, text);
-    PutTriple(" rotation = ", bone.Rotation, text);
+    PutQuoted("bone ", bone.Name, sink);
+    PutLine("{", sink);
+    PutTriple(" position = ", bone.Position, sink);
+    PutTriple(" rotation = ", bone.Rotation, sink);
     if (!bone.ExtraText.empty()) {
-        PutLine(bone.ExtraText, text);
+        PutLine(bone.ExtraText, sink);
     }
-    PutLine("}\r\n", text);
+    PutLine("}\r\n", sink);
 }
 
-void PutVertices(const MvmMesh& mesh, bool asSkin, std::string* text)
+void PutVertices(const MvmMesh& mesh, bool asSkin, TextSink* sink)
 {
-    Line line;
     for (int32_t vertex = 1; vertex <= mesh.VertexCount(); ++vertex) {
-        line.Add(" v = ");
-        line.Add(mesh.Vertices[vertex]);
+        char* to = Add(mesh.Vertices[vertex], Add(" v = ", sink->LineStart()));
         if (asSkin) {
             const int16_t bone = mesh.VertexBones.Has(vertex) ? mesh.VertexBones[vertex] : int16_t{0};
-            line.Add(',');
-            line.Add(IsValidBone(bone) ? static_cast<float>(JointNumber(Bones[bone].Name)) : -1.0F);
+            const double joint = IsValidBone(bone) ? JointNumber(Bones[bone].Name) : -1.0;
+            to = FloatToChars(static_cast<float>(joint), Add(',', to));
         }
-        line.PutInto(text);
+        sink->EndLine(to);
     }
 }
 
-void PutMesh(const MvmMesh& mesh, bool asSkin, std::string* text)
+void PutMesh(const MvmMesh& mesh, bool asSkin, TextSink* sink)
 {
-    PutQuoted(asSkin ? "skin " : "mesh ", mesh.Name, text);
-    PutLine("{", text);
+    PutQuoted(asSkin ? "skin " : "mesh ", mesh.Name, sink);
+    PutLine("{", sink);
     for (const MvmMeshMaterial& material : mesh.MeshMaterials) {
-        PutQuoted(" m = ", material.Name, text);
+        PutQuoted(" m = ", material.Name, sink);
     }
-    PutVertices(mesh, asSkin, text);
-    Line line;
+    PutVertices(mesh, asSkin, sink);
     for (const Vec2& pair : mesh.TexCoords) {
-        line.Add(" t = (");
-        line.Add(pair.U);
-        line.Add(',');
-        line.Add(pair.V);
-        line.Add(')');
-        line.PutInto(text);
+        char* to = FloatToChars(pair.U, Add(" t = (", sink->LineStart()));
+        to = FloatToChars(pair.V, Add(',', to));
+        sink->EndLine(Add(')', to));
     }
     for (const Vec3& normal : mesh.Normals) {
-        line.Add(" n = ");
-        line.Add(normal);
-        line.PutInto(text);
+        PutTriple(" n = ", normal, sink);
     }
     for (const MvmFace& face : mesh.Faces) {
-        line.Add(" f = ");
-        line.Add(face.Vertex);
-        line.Add(',');
-        line.Add(face.TexCoord);
-        line.Add(',');
-        line.Add(face.Normal);
-        line.Add(',');
-        line.Add(face.Material);
-        line.PutInto(text);
+        char* to = Add(face.Vertex, Add(" f = ", sink->LineStart()));
+        to = Add(face.TexCoord, Add(',', to));
+        to = Add(face.Normal, Add(',', to));
+        sink->EndLine(Int16ToChars(face.Material, Add(',', to)));
     }
-    PutLine("}\r\n", text);
+    PutLine("}\r\n", sink);
 }
 
-void PutInstance(const MvmInstance& instance, std::string* text)
+void PutInstance(const MvmInstance& instance, TextSink* sink)
 {
-    PutQuoted("instance ", instance.Name, text);
-    PutLine("{", text);
-    PutQuoted(" mesh = ", instance.Mesh, text);
-    PutTriple(" position = ", instance.Position, text);
-    PutTriple(" rotation = ", instance.Rotation, text);
-    Line line;
-    line.Add(" scale = ");
-    line.Add(instance.Scale);
-    line.PutInto(text);
-    PutLine("}\r\n", text);
-}
-
-/// Room that a scene of usual numbers takes. More is found as it is needed.
-size_t UsualSize()
-{
-    size_t size = 256 + Materials.Items.size() * 128 + Instances.Items.size() * 160;
-    for (const MvmBone& bone : Bones) {
-        size += 128 + bone.Name.size() + bone.ExtraText.size();
-    }
-    for (const MvmMesh& mesh : Meshes) {
-        size += 64 + mesh.Name.size() + mesh.MeshMaterials.Items.size() * 32 + mesh.Vertices.Items.size() * 44 +
-                mesh.Normals.Items.size() * 42 + mesh.TexCoords.Items.size() * 30 + mesh.Faces.Items.size() * 72;
-    }
-    return size;
+    PutQuoted("instance ", instance.Name, sink);
+    PutLine("{", sink);
+    PutQuoted(" mesh = ", instance.Mesh, sink);
+    PutTriple(" position = ", instance.Position, sink);
+    PutTriple(" rotation = ", instance.Rotation, sink);
+    sink->EndLine(FloatToChars(instance.Scale, Add(" scale = ", sink->LineStart())));
+    PutLine("}\r\n", sink);
 }
 
 } // namespace
 
-std::string ModelText()
+void WriteModelText(const PartWriter& write)
 {
-    std::string text;
-    text.reserve(UsualSize());
-    PutLine("fileinfo\r\n{\r\n formatversion = 1.0.2\r\n}\r\n", &text);
+    TextSink model{write};
+    TextSink* const sink = &model;
+    PutLine("fileinfo\r\n{\r\n formatversion = 1.0.2\r\n}\r\n", sink);
     for (const MvmMaterial& material : Materials) {
-        PutMaterial(material, &text);
+        PutMaterial(material, sink);
     }
     for (const MvmBone& bone : Bones) {
-        PutBone(bone, &text);
+        PutBone(bone, sink);
     }
     for (int32_t index = 1; index <= MeshCount(); ++index) {
         const MvmMesh& mesh = Meshes[index];
-        PutMesh(mesh, mesh.IsSkin && (index == SkinMesh || index == ShadowMesh), &text);
+        PutMesh(mesh, mesh.IsSkin && (index == SkinMesh || index == ShadowMesh), sink);
     }
     for (const MvmInstance& instance : Instances) {
-        PutInstance(instance, &text);
+        PutInstance(instance, sink);
     }
+    model.Flush();
+}
+
+std::string ModelText()
+{
+    std::string text;
+    WriteModelText([&text](std::string_view part) { text.append(part); });
     return text;
 }
 
@@ -211,7 +218,7 @@ bool WriteMVM(const std::string& path)
 {
     std::string error;
     try {
-        if (ReplaceFile(path, ModelText(), &error)) {
+        if (ReplaceFile(path, WriteModelText, &error)) {
             return true;
         }
     } catch (const std::bad_alloc&) {

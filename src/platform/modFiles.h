@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -38,6 +39,11 @@ bool ReadFile(const std::string& path, std::string* bytes, std::string* error);
 /// then renamed over it. An existing file keeps its permissions, a link keeps pointing to it. Refuses to replace anything
 /// but a regular file. After a failure the old file is as it was and nothing new lies beside it.
 bool ReplaceFile(const std::string& path, std::string_view bytes, std::string* error);
+/// Takes the next part of a file's content.
+using PartWriter = std::function<void(std::string_view)>;
+/// The same with content that comes in parts: `writeParts` is called once and hands them over in order. What it throws
+/// passes through, with the old file as it was.
+bool ReplaceFile(const std::string& path, const std::function<void(const PartWriter&)>& writeParts, std::string* error);
 
 /// Makes `to` a second, complete copy of `from`, replacing an existing file.
 bool CopyFileTo(const std::string& from, const std::string& to, std::string* error);

@@ -3,6 +3,7 @@
 #include <csignal>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <new>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -166,9 +167,13 @@ TEST_F(Files, AFailedReplaceLeavesTheOldFile)
             scripted::Steps = 0;
             scripted::FailAt = step;
             Error.clear();
-            const bool good = ReplaceFile(folder / "a", "new content", &Error);
+            const auto writeParts = [](const PartWriter& write) {
+                write("new ");
+                write("content");
+            };
+            const bool good = ReplaceFile(folder / "a", writeParts, &Error);
             if (scripted::Steps < step) {
-                EXPECT_GE(step, 6);
+                EXPECT_GE(step, 7);
                 EXPECT_TRUE(good);
                 EXPECT_EQ(Content(folder / "a"), "new content");
                 break;
@@ -179,6 +184,18 @@ TEST_F(Files, AFailedReplaceLeavesTheOldFile)
             EXPECT_EQ(folder.Names().size(), existed ? 1U : 0U) << step;
         }
     }
+}
+
+TEST_F(Files, ContentThatCannotBeMadeLeavesTheOldFile)
+{
+    PutFile(Folder / "a", "old");
+    const auto writeParts = [](const PartWriter& write) {
+        write("new");
+        throw std::bad_alloc();
+    };
+    EXPECT_THROW(ReplaceFile(Folder / "a", writeParts, &Error), std::bad_alloc);
+    EXPECT_EQ(Content(Folder / "a"), "old");
+    EXPECT_THAT(Folder.Names(), ElementsAre("a"));
 }
 
 TEST_F(Files, AFileSizeLimitOfTheSystemIsAFailureLikeAnother)
