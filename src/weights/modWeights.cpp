@@ -90,13 +90,9 @@ bool ConfirmVersion()
            BoxAnswer::Yes;
 }
 
-/// Holds a complete header against the program, the skeleton and the mesh. False when the load must not go on.
+/// Holds a complete header with the right magic against the program, the skeleton and the mesh. False when the load must not go on.
 bool CheckHeader(std::string_view bytes, const MvmMesh& mesh)
 {
-    if (!bytes.starts_with(magic)) {
-        ShowMessage(BoxIcon::Warning, "File is not an weight information file.");
-        return false;
-    }
     const bool sameVersion = LittleEndian<int16_t>(bytes, versionAt) == VersionMajor &&
                              LittleEndian<int16_t>(bytes, versionAt + 2) == VersionMinor &&
                              LittleEndian<int16_t>(bytes, versionAt + 4) == VersionRevision;
@@ -201,6 +197,10 @@ void LoadWeights(const std::string& file, int16_t mesh)
     std::string error;
     if (!ReadFile(file, &bytes, &error)) {
         SayError("LoadWeights", error);
+        return;
+    }
+    if (!bytes.starts_with(magic)) {
+        ShowMessage(BoxIcon::Warning, "File is not an weight information file.");
         return;
     }
     if (bytes.size() < headerSize) {
