@@ -2,6 +2,7 @@
 
 #include <GL/gl.h>
 
+#include "render/modGLState.h"
 #include "render/modMaterialLook.h"
 #include "render/modTexture.h"
 #include "render/modViewFlags.h"
@@ -41,6 +42,7 @@ void DrawTintedSurface(int16_t mesh)
 void DrawEditingPasses(bool isolines)
 {
     const int16_t target = TargetMesh();
+    const float reference = AlphaReference;
     switch (DisplayMode) {
     case 0:
         DrawMesh(target);
@@ -53,7 +55,9 @@ void DrawEditingPasses(bool isolines)
         break;
     }
     glFlush(); // the pixels of a pass can be filled while the next one is put together
-    DrawVertices(target);
+    // Nothing before the surface writes depth, so its depth stands as if drawn alone, but for an alpha test that has
+    // changed since.
+    DrawVertices(target, AlphaReference == reference);
     glFlush();
     if (isolines) {
         DrawIsolines(target);

@@ -100,7 +100,7 @@ void DrawBonesInOrder()
 
 } // namespace
 
-void DrawVertices(int16_t mesh)
+void DrawVertices(int16_t mesh, bool depthStands)
 {
     if (!IsValidMesh(mesh) || !Meshes[mesh].IsSkin) {
         return;
@@ -109,8 +109,10 @@ void DrawVertices(int16_t mesh)
     BindMaterial(0);
     glDisable(GL_LIGHTING);
     if (ViewCullVerts) {
-        glClear(GL_DEPTH_BUFFER_BIT);
-        DrawDepthOnly(mesh);
+        if (ViewWire || !depthStands) {
+            glClear(GL_DEPTH_BUFFER_BIT);
+            DrawDepthOnly(mesh);
+        }
         glEnable(GL_DEPTH_TEST);
         glDepthMask(GL_FALSE);
     } else {
