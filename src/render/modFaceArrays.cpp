@@ -4,15 +4,17 @@
 
 #include <GL/gl.h>
 
-#include "render/modFacing.h"
+#include "render/modFaceOrder.h"
 #include "render/modMvmDraw.h"
 #include "render/modTexture.h"
+#include "render/modViewFlags.h"
 
 namespace {
 
 using CornerNumbers = std::array<int16_t, 3>; ///< vertex, normal, texture coordinate
 
 std::vector<uint16_t> triangleVertices;
+std::vector<LookedFace> faces; ///< in the order in which they are drawn
 FaceBatches batches;
 std::vector<CornerNumbers> cornerNumbers; ///< what each entry of batches.Corners was made of
 std::vector<uint32_t> lastCornerOfVertex; ///< hint: the corner made last for a vertex number, in any run or pass
@@ -61,17 +63,16 @@ bool HasOpacity(const Look& look)
     return Textures.Has(look.Texture) && Textures[look.Texture].HasOpacity;
 }
 
-/// Calls use(face, look, place in Faces from 0) for each drawable face of the choice, in face order.
+/// Calls use(face, look) for each drawable face of the choice, in face order.
 template <typename Use>
 void ForEachFace(const MvmMesh& mesh, FaceChoice choice, Use use)
 {
     const std::vector<Look> looks = LooksOfMesh(mesh);
-    for (size_t i = 0; i < mesh.Faces.Items.size(); ++i) {
-        const MvmFace& face = mesh.Faces.Items[i];
+    for (const MvmFace& face : mesh.Faces) {
         const Look& look = looks[mesh.MeshMaterials.Has(face.Material) ? static_cast<size_t>(face.Material) : 0];
         const bool chosen = choice == FaceChoice::All || HasOpacity(look) == (choice == FaceChoice::WithOpacity);
         if (chosen && FaceCornersValid(mesh, face)) {
-            use(face, look, i);
+            use(face, look);
         }
     }
 }
@@ -82,7 +83,7 @@ void DrawPlainTriangles(const MvmMesh& mesh, FaceChoice choice)
 {
     triangleVertices.clear();
     triangleVertices.reserve(mesh.Faces.Items.size() * 3);
-    ForEachFace(mesh, choice, [](const MvmFace& face, const Look&, size_t) {
+    ForEachFace(mesh, choice, [](const MvmFace& face, const Look&) {
         for (const int16_t vertex : face.Vertex) {
             triangleVertices.push_back(static_cast<uint16_t>(vertex - 1));
         }
@@ -99,29 +100,28 @@ void DrawPlainTriangles(const MvmMesh& mesh, FaceChoice choice)
 
 const FaceBatches& CollectRuns(const MvmMesh& mesh, FaceChoice choice)
 {
+    faces.clear();
+    ForEachFace(mesh, choice, [](const MvmFace& face, const Look& look) { faces.push_back({&face, look}); });
+    batches.Last = faces.empty() ? std::nullopt : std::optional(faces.back().Shared);
+    OrderFaces(mesh, !ViewWire, &faces);
     batches.Corners.clear();
     batches.Indices.clear();
     batches.Runs.clear();
-    batches.Last.reset();
     cornerNumbers.clear();
     lastCornerOfVertex.resize(INT16_MAX + 1);
     size_t runStart = 0;
-    const std::vector<uint8_t>& turnedAway = FacesTurnedAway(mesh);
-    ForEachFace(mesh, choice, [&mesh, &runStart, &turnedAway](const MvmFace& face, const Look& look, size_t place) {
-        batches.Last = look;
-        if (turnedAway[place] != 0) {
-            return;
-        }
-        if (batches.Runs.empty() || batches.Runs.back().Shared != look) {
-            batches.Runs.push_back({look, batches.Indices.size(), 0});
+    for (const LookedFace& looked : faces) {
+        if (batches.Runs.empty() || batches.Runs.back().Shared != looked.Shared) {
+            batches.Runs.push_back({looked.Shared, batches.Indices.size(), 0});
             runStart = cornerNumbers.size();
         }
+        const MvmFace& face = *looked.Face;
         for (size_t k = 0; k < 3; ++k) {
             const CornerNumbers numbers{face.Vertex[k], face.Normal[k], face.TexCoord[k]};
             batches.Indices.push_back(PlaceOfCorner(mesh, numbers, runStart));
         }
         batches.Runs.back().IndexCount += 3;
-    });
+    }
     return batches;
 }
 

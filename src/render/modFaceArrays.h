@@ -25,7 +25,7 @@ struct Corner {
     Vec3 Vertex;
 };
 
-/// A stretch of faces in face order that share one look.
+/// A stretch of faces that share one look.
 struct FaceRun {
     Look Shared;
     size_t FirstIndex = 0; ///< into FaceBatches::Indices
@@ -39,7 +39,7 @@ struct FaceBatches {
     std::optional<Look> Last; ///< of the last face, also when GL would drop it: its state holds for what comes after
 };
 
-/// The chosen faces as runs of equal look, without those that are turned away for certain. Valid until the next call.
+/// The chosen faces as runs of equal look, ordered as OrderFaces tells. Valid until the next call.
 [[nodiscard]] const FaceBatches& CollectRuns(const MvmMesh& mesh, FaceChoice choice);
 /// Draws all runs in order; each is preceded by its look's state, and the look of the last face stays in force.
 void DrawRuns(const FaceBatches& batches);

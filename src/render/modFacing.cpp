@@ -9,16 +9,9 @@
 
 namespace {
 
-// A sign that rounding could turn must be left to GL: it works with 32-bit floats and at least four bits of subpixels.
+// What rounding could turn must be left to GL: it works with 32-bit floats and at least four bits of subpixels.
 constexpr double subpixel = 1.0 / 16;
 constexpr double rounding = 1e-6;
-
-/// A vertex on the window, in pixels. All three are not a number for one that is not well in front of the eye.
-struct WindowPlace {
-    double X = 0;
-    double Y = 0;
-    double Slack = 0; ///< how far off GL's place may be
-};
 
 /// A row of the product of projection and modelview.
 struct Row {
@@ -35,13 +28,13 @@ struct Row {
 
 /// The parts of the camera that decide where a vertex lands on the window.
 struct WindowMap {
-    Row X, Y, W;
+    Row X, Y, Z, W;
     double HalfWidth = 0;
     double HalfHeight = 0;
 };
 
-std::vector<WindowPlace> places;
-std::vector<uint8_t> turnedAway;
+FacesOnWindow view;
+std::vector<uint8_t> inside; ///< one a vertex: 1 for one that no edge of what is seen cuts off
 
 WindowMap FetchMap()
 {
@@ -60,7 +53,7 @@ WindowMap FetchMap()
         }
         return result;
     };
-    return {row(0), row(1), row(3), viewport[2] / 2.0, viewport[3] / 2.0};
+    return {row(0), row(1), row(2), row(3), viewport[2] / 2.0, viewport[3] / 2.0};
 }
 
 WindowPlace PlaceOf(const Vec3& vertex, const WindowMap& map)
@@ -79,7 +72,29 @@ WindowPlace PlaceOf(const Vec3& vertex, const WindowMap& map)
     return {x * map.HalfWidth, y * map.HalfHeight, subpixel + rounding * (slackX + slackY)};
 }
 
-/// True when the corners run clockwise on the window wherever they are within their slack.
+/// True when a vertex with this place is surely between all six planes.
+bool IsInside(const Vec3& vertex, const WindowPlace& place, const WindowMap& map)
+{
+    const double depthSlack = rounding * (map.Z.SizeOf(vertex) + map.W.SizeOf(vertex));
+    return std::fabs(place.X) < map.HalfWidth - place.Slack && std::fabs(place.Y) < map.HalfHeight - place.Slack &&
+           std::fabs(map.Z.Of(vertex)) < map.W.Of(vertex) - depthSlack;
+}
+
+Facing FacingOf(const MvmFace& face)
+{
+    const auto at = [&face](size_t corner) { return static_cast<size_t>(face.Vertex[corner]) - 1; };
+    const WindowPlace& a = view.Places[at(0)];
+    const WindowPlace& b = view.Places[at(1)];
+    const WindowPlace& c = view.Places[at(2)];
+    if (SurelyClockwise(a, b, c)) {
+        return Facing::Away;
+    }
+    const bool whole = (inside[at(0)] & inside[at(1)] & inside[at(2)]) != 0;
+    return whole && SurelyClockwise(a, c, b) ? Facing::Front : Facing::Unsure;
+}
+
+} // namespace
+
 bool SurelyClockwise(const WindowPlace& a, const WindowPlace& b, const WindowPlace& c)
 {
     const double abX = b.X - a.X;
@@ -91,24 +106,21 @@ bool SurelyClockwise(const WindowPlace& a, const WindowPlace& b, const WindowPla
     return abX * acY - abY * acX < -slack * (reach + 2 * slack);
 }
 
-} // namespace
-
-const std::vector<uint8_t>& FacesTurnedAway(const MvmMesh& mesh)
+const FacesOnWindow& LookAtFaces(const MvmMesh& mesh)
 {
-    turnedAway.assign(mesh.Faces.Items.size(), 0);
+    view.Facings.assign(mesh.Faces.Items.size(), Facing::Unsure);
     if (glIsEnabled(GL_CULL_FACE) == GL_FALSE) {
-        return turnedAway;
+        return view;
     }
     const WindowMap map = FetchMap();
-    places.resize(mesh.Vertices.Items.size());
-    std::transform(mesh.Vertices.begin(), mesh.Vertices.end(), places.begin(),
-                   [&map](const Vec3& vertex) { return PlaceOf(vertex, map); });
-    for (size_t i = 0; i < turnedAway.size(); ++i) {
-        const MvmFace& face = mesh.Faces.Items[i];
-        if (FaceCornersValid(mesh, face)) {
-            const auto place = [&face](size_t k) { return places[static_cast<size_t>(face.Vertex[k]) - 1]; };
-            turnedAway[i] = SurelyClockwise(place(0), place(1), place(2)) ? 1 : 0;
-        }
+    view.Places.clear();
+    inside.clear();
+    for (const Vec3& vertex : mesh.Vertices) {
+        view.Places.push_back(PlaceOf(vertex, map));
+        inside.push_back(IsInside(vertex, view.Places.back(), map) ? 1 : 0);
     }
-    return turnedAway;
+    std::transform(mesh.Faces.begin(), mesh.Faces.end(), view.Facings.begin(), [&mesh](const MvmFace& face) {
+        return FaceCornersValid(mesh, face) ? FacingOf(face) : Facing::Unsure;
+    });
+    return view;
 }
