@@ -122,11 +122,11 @@ bool NextChunk(ChunksAhead* ahead, const TextChunk** chunk, std::string* error)
     ahead->Started = true;
     *chunk = nullptr;
     // Only the taker changes Filled, and a chunk from there on is its own.
-    while (!ahead->FileEnded && HasRoom(*ahead)) {
+    while (!ahead->FileEnded && ahead->Failure.empty() && HasRoom(*ahead)) {
         TextChunk& next = ahead->Ring[ahead->Filled % ahead->Ring.size()];
         next.Done = false;
-        if (!Fill(ahead, &next, error)) {
-            return false;
+        if (!Fill(ahead, &next, &ahead->Failure)) {
+            break; // told behind the chunks that were filled before
         }
         ahead->TextAhead += next.Size;
         {
@@ -136,7 +136,8 @@ bool NextChunk(ChunksAhead* ahead, const TextChunk** chunk, std::string* error)
         ahead->Work.notify_one();
     }
     if (ahead->Taken == ahead->Filled) {
-        return true;
+        *error = ahead->Failure;
+        return error->empty();
     }
     const TextChunk& first = ahead->Ring[ahead->Taken % ahead->Ring.size()];
     std::unique_lock lock(ahead->Guard);

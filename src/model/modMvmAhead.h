@@ -33,7 +33,8 @@ struct TextChunk {
 struct ChunksAhead {
     OpenedFile* File = nullptr;
     bool FileEnded = false;
-    std::string Rest; ///< the begin of a line that the last chunk did not hold to its end
+    std::string Failure; ///< why the file could not be read on; empty while it can
+    std::string Rest;    ///< the begin of a line that the last chunk did not hold to its end
     std::vector<TextChunk> Ring;
     size_t TextAhead = 0; ///< bytes of text in these chunks
     size_t Taken = 0;
@@ -56,6 +57,6 @@ struct ChunksAhead {
 /// Makes fresh *ahead give the chunks of a fresh *file, which must outlive it.
 void StartChunks(OpenedFile* file, ChunksAhead* ahead);
 
-/// The next chunk, valid until the next call; nullptr behind the last one. False when the file cannot be read. Throws what
-/// reading the chunk's lines threw.
+/// The next chunk, valid until the next call; nullptr behind the last one. False, behind the chunks read before,
+/// when the file cannot be read on. Throws what reading the chunk's lines threw.
 bool NextChunk(ChunksAhead* ahead, const TextChunk** chunk, std::string* error);

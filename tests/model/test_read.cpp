@@ -1,6 +1,8 @@
 #include <cerrno>
 #include <gmock/gmock.h>
 #include <system_error>
+#include <tuple>
+#include <utility>
 
 #include "app/modStatus.h"
 #include "model/model_file.h"
@@ -207,11 +209,17 @@ TEST_F(ReadModel, ReportsPathsThatCannotBeRead)
 TEST_F(ReadModel, KeepsWhatStoodBeforeAReadError)
 {
     std::ofstream(Path, std::ios::binary) << "bone \"A\"\r\n" << std::string(2 * ChunkBytes, '\r') << "bone \"B\"\r\n";
-    scripted::FailAt = 3; // behind the open and the first chunk
-    scripted::FailError = EIO;
-    EXPECT_FALSE(LoadMVM(Path));
-    EXPECT_THAT(BoneNames(), ElementsAre("A"));
-    EXPECT_EQ(LastMessage(), "Runtime error in LoadMVM\n" + std::generic_category().message(EIO));
+    const auto usual = std::pair(ThreadedFrom, ReaderThreads);
+    for (const unsigned threads : {0U, 2U}) {
+        std::tie(ThreadedFrom, ReaderThreads) = std::pair(size_t{0}, threads);
+        scripted::Reset();
+        scripted::FailAt = 3; // behind the open and the first chunk
+        scripted::FailError = EIO;
+        EXPECT_FALSE(LoadMVM(Path));
+        EXPECT_THAT(BoneNames(), ElementsAre("A")) << threads;
+        EXPECT_EQ(LastMessage(), "Runtime error in LoadMVM\n" + std::generic_category().message(EIO));
+    }
+    std::tie(ThreadedFrom, ReaderThreads) = usual;
 }
 
 TEST_F(ReadModel, StepsThroughTheFile)
