@@ -26,6 +26,7 @@ struct Result {
 class TableReporter : public benchmark::BenchmarkReporter {
 public:
     std::map<std::string, Result> Results;
+    int Failed = 0; ///< runs that ended with an error; they have no row in the table
 
     bool ReportContext(const Context&) override { return true; }
 
@@ -37,6 +38,7 @@ public:
             }
             if (run.error_occurred) {
                 std::printf("%s: %s\n", run.run_name.function_name.c_str(), run.error_message.c_str());
+                ++Failed;
                 continue;
             }
             const double milliseconds = run.real_accumulated_time * 1000 / static_cast<double>(run.iterations);
@@ -144,7 +146,9 @@ int RunAll(int argc, char** argv)
     TableReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     RemoveFiles();
-    return PrintTable(reporter.Results) == 0 ? 0 : 1;
+    const int missed = PrintTable(reporter.Results);
+    std::printf("%d failed\n", reporter.Failed);
+    return missed == 0 && reporter.Failed == 0 ? 0 : 1;
 }
 
 } // namespace
