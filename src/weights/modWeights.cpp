@@ -90,7 +90,8 @@ bool ConfirmVersion()
            BoxAnswer::Yes;
 }
 
-/// Holds a complete header with the right magic against the program, the skeleton and the mesh. False when the load must not go on.
+/// Holds a complete header with the right magic against the program, the skeleton and the mesh. False when the load must
+/// not go on.
 bool CheckHeader(std::string_view bytes, const MvmMesh& mesh)
 {
     const bool sameVersion = LittleEndian<int16_t>(bytes, versionAt) == VersionMajor &&
