@@ -9,6 +9,6 @@ void WriteModelText(const PartWriter& write);
 /// The same text in one.
 [[nodiscard]] std::string ModelText();
 
-/// Writes ModelText() to `path`: whole, or not at all. On a failure shows a message and gives false. The scene is not
+/// Writes the text of WriteModelText to `path`: whole, or not at all. On a failure shows a message and gives false. The scene is not
 /// changed.
 bool WriteMVM(const std::string& path);

@@ -122,6 +122,7 @@ const FaceBatches& CollectRuns(const MvmMesh& mesh, FaceChoice choice)
         }
         batches.Runs.back().IndexCount += 3;
     }
+    faces.clear();
     return batches;
 }
 

@@ -113,4 +113,5 @@ void OrderFaces(const MvmMesh& mesh, bool filled, std::vector<LookedFace>* faces
     }
     Flush();
     faces->swap(ordered);
+    ordered.clear(); // nothing of the scene is held until the next frame
 }

@@ -86,11 +86,13 @@ Facing FacingOf(const MvmFace& face)
     const WindowPlace& a = view.Places[at(0)];
     const WindowPlace& b = view.Places[at(1)];
     const WindowPlace& c = view.Places[at(2)];
+    if ((inside[at(0)] & inside[at(1)] & inside[at(2)]) == 0) {
+        return Facing::Unsure; // what GL cuts off leaves slivers whose direction rounding can turn
+    }
     if (SurelyClockwise(a, b, c)) {
         return Facing::Away;
     }
-    const bool whole = (inside[at(0)] & inside[at(1)] & inside[at(2)]) != 0;
-    return whole && SurelyClockwise(a, c, b) ? Facing::Front : Facing::Unsure;
+    return SurelyClockwise(a, c, b) ? Facing::Front : Facing::Unsure;
 }
 
 } // namespace

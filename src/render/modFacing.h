@@ -9,7 +9,7 @@
 
 enum class Facing : uint8_t {
     Unsure, ///< left to GL: nearly edge-on, cut by the edges of what is seen, or naming a vertex outside the mesh
-    Away,   ///< GL will drop it as a back face
+    Away,   ///< wholly inside what is seen, and GL will drop it as a back face
     Front,  ///< seen from the front and wholly inside what is seen
 };
 

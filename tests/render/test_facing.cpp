@@ -90,7 +90,7 @@ TEST_F(FacingTest, KeepsTheStateOfALastFaceThatIsTurnedAway)
 TEST_F(FacingTest, LeavesToGLWhatRoundingOrTheEyeCouldTurn)
 {
     constexpr float infinite = std::numeric_limits<float>::infinity();
-    MvmMesh& mesh = Meshes[harness::AddSquare(1, 0)];
+    MvmMesh& mesh = Meshes[harness::AddSquare(0.2F, 0)];
     std::swap(mesh.Faces[1].Vertex[0], mesh.Faces[1].Vertex[1]); // clockwise
     (void)harness::Paint();
     ApplyCamera();
@@ -98,7 +98,8 @@ TEST_F(FacingTest, LeavesToGLWhatRoundingOrTheEyeCouldTurn)
     ASSERT_EQ(LookAtFaces(mesh).Facings[0], Facing::Away);
     const Vec3 place = mesh.Vertices[mesh.Faces[1].Vertex[0]];
     const Vec3 next = mesh.Vertices[mesh.Faces[1].Vertex[1]];
-    for (const Vec3& moved : {next, Vec3{infinite, place.Y, 0}, Vec3{place.X, std::nanf(""), 0}}) {
+    for (const Vec3& moved :
+         {next, Vec3{50 * place.X, 50 * place.Y, 0}, Vec3{infinite, place.Y, 0}, Vec3{place.X, std::nanf(""), 0}}) {
         mesh.Vertices[mesh.Faces[1].Vertex[0]] = moved;
         EXPECT_EQ(LookAtFaces(mesh).Facings[0], Facing::Unsure) << moved.X << ' ' << moved.Y;
     }
