@@ -104,10 +104,13 @@ void frmMain::Start(const std::string& commandLine)
     SetCaption();
     FillBoneLists();
     LastPath = ProgramFolder();
+    // The window's first picture waits for a model that is there at once; a longer load shows it as it goes on.
+    setUpdatesEnabled(false);
     show();
     WaitUntilShown(*windowHandle());
     FitFrame();
     PumpEvents();
+    setUpdatesEnabled(true);
     if (!unloaded) {
         OpenCommandLine(commandLine);
     }

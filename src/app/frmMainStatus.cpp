@@ -80,7 +80,10 @@ void ProgressShow()
     if (window == nullptr || lastStep == 0) {
         return;
     }
+    // A bar paints as it takes its value, and the window with it; both wait for the next round of events instead.
+    window->pgbProgress->setUpdatesEnabled(false);
     window->pgbProgress->setValue(lastStep);
+    window->pgbProgress->setUpdatesEnabled(true);
     const double percent = static_cast<double>(lastStep) / progressMaximum * 100;
     window->txtProgress->setText(QString::number(std::lrint(percent)) + QLatin1Char('%'));
 }
