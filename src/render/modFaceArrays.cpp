@@ -1,5 +1,6 @@
 #include "render/modFaceArrays.h"
 
+#include <algorithm>
 #include <array>
 
 #include <GL/gl.h>
@@ -79,11 +80,15 @@ void ForEachFace(const MvmMesh& mesh, FaceChoice choice, Use use)
 
 } // namespace
 
-void DrawPlainTriangles(const MvmMesh& mesh, FaceChoice choice)
+void DrawPlainTriangles(const MvmMesh& mesh, FaceChoice choice, const std::vector<Color4>* tints)
 {
     triangleVertices.clear();
     triangleVertices.reserve(mesh.Faces.Items.size() * 3);
-    ForEachFace(mesh, choice, [](const MvmFace& face, const Look&) {
+    const auto isClear = [tints](int16_t vertex) { return (*tints)[static_cast<size_t>(vertex) - 1][3] == 0; };
+    ForEachFace(mesh, choice, [&](const MvmFace& face, const Look&) {
+        if (tints != nullptr && std::all_of(face.Vertex.begin(), face.Vertex.end(), isClear)) {
+            return;
+        }
         for (const int16_t vertex : face.Vertex) {
             triangleVertices.push_back(static_cast<uint16_t>(vertex - 1));
         }

@@ -15,8 +15,10 @@
 /// Which drawable faces a pass takes: all, those whose texture takes part in the alpha test, or the rest.
 enum class FaceChoice : uint8_t { All, WithOpacity, WithoutOpacity };
 
-/// Points the vertex array at the mesh's vertices and draws the chosen faces in one batch, positions only.
-void DrawPlainTriangles(const MvmMesh& mesh, FaceChoice choice = FaceChoice::All);
+/// Points the vertex array at the mesh's vertices and draws the chosen faces in one batch, positions only. `tints`, one
+/// colour for each vertex, leaves out the faces whose corners all have alpha 0, of which an alpha test keeps nothing.
+void DrawPlainTriangles(const MvmMesh& mesh, FaceChoice choice = FaceChoice::All,
+                        const std::vector<Color4>* tints = nullptr);
 
 /// One corner of a face as it goes to GL.
 struct Corner {

@@ -78,8 +78,9 @@ void DrawAssignments(int16_t mesh)
     const MvmMesh& drawn = Meshes[mesh];
     if (drawn.IsSkin) {
         glEnableClientState(GL_COLOR_ARRAY);
-        glColorPointer(4, GL_FLOAT, 0, ColorsOfVertices(drawn, TintColors()).data());
-        DrawPlainTriangles(drawn);
+        const std::vector<Color4>& tints = ColorsOfVertices(drawn, TintColors());
+        glColorPointer(4, GL_FLOAT, 0, tints.data());
+        DrawPlainTriangles(drawn, FaceChoice::All, &tints);
         glDisableClientState(GL_COLOR_ARRAY);
     }
     glDisable(GL_ALPHA_TEST);
