@@ -99,6 +99,11 @@ void WaitForFrame(QOpenGLWidget* view)
     }
 }
 
+QOpenGLWidget* ViewOf(const frmMain& window)
+{
+    return qobject_cast<QOpenGLWidget*>(window.picMain);
+}
+
 class EmptyView : public QOpenGLWidget {
 protected:
     void paintGL() override { context()->functions()->glClear(GL_COLOR_BUFFER_BIT); }
@@ -115,6 +120,7 @@ int MemoryChild(const std::string& argument)
     PrepareApplication();
     frmMain window;
     window.Start("");
+    WaitForFrame(ViewOf(window)); // what the driver takes for the first frame is not the model's
     const double before = StatusBytes("VmRSS");
     if (!LoadMVM(argument)) {
         return 1;
@@ -160,7 +166,7 @@ int StartChild(bool withProgram, const std::string& argument)
         PrepareApplication();
         frmMain window;
         window.Start(argument);
-        auto* view = qobject_cast<QOpenGLWidget*>(window.picMain);
+        QOpenGLWidget* view = ViewOf(window);
         if (view == nullptr || !ModelOpen) {
             return 1;
         }
