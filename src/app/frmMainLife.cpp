@@ -107,6 +107,9 @@ void frmMain::Start(const std::string& commandLine)
     // The window's first picture waits for a model that is there at once; a longer load shows it as it goes on.
     setUpdatesEnabled(false);
     show();
+    // The driver makes ready for the grid and the label while the window manager brings up the window.
+    MakeViewCurrent();
+    PaintFrame();
     WaitUntilShown(*windowHandle());
     FitFrame();
     PumpEvents();
