@@ -1,0 +1,49 @@
+#pragma once
+
+#include <functional>
+#include <gtest/gtest.h>
+
+#include "app/modStatus.h"
+#include "support/scripted.h"
+#include "support/temp_folder.h"
+
+/// A test that starts with an empty scene and with no answers left.
+class Fresh : public testing::Test {
+protected:
+    Fresh() { scripted::Reset(); }
+    ~Fresh() override { scripted::Reset(); }
+};
+
+/// The same with a folder of its own.
+class FreshFolder : public Fresh {
+protected:
+    TempFolder Folder;
+    std::string Error;
+};
+
+/// Runs `act`, which says whether all went well, with each of its file steps failing in turn. Gives their number.
+inline int FailEachStep(const std::function<bool()>& act)
+{
+    for (int step = 1;; ++step) {
+        SCOPED_TRACE(step);
+        scripted::Steps = 0;
+        scripted::FailAt = step;
+        const bool good = act();
+        EXPECT_EQ(good, scripted::Steps < step);
+        if (good || scripted::Steps < step) {
+            scripted::FailAt = 0;
+            return scripted::Steps;
+        }
+    }
+}
+
+/// The lines that `act` puts into the log, which it must show once.
+inline std::vector<std::string> LogOf(const std::function<void()>& act)
+{
+    scripted::Log.clear();
+    scripted::LogShown = 0;
+    act();
+    EXPECT_EQ(scripted::LogShown, 1);
+    EXPECT_FALSE(LogDirty);
+    return scripted::Log;
+}
