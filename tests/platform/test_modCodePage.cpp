@@ -20,11 +20,7 @@ TEST(CodePage, CharactersStandWhereTheCodePageHasThem)
 
 TEST(CodePage, WhatItCannotHoldBecomesAQuestionMark)
 {
-    struct Case {
-        const char* Text;
-        const char* Bytes;
-    };
-    const Case cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"aЖb", "a?b"},               // no such character
         {"a\U0001F600b", "a?b"},      // four bytes
         {"a\xC2\x80", "a?"},          // the control character whose byte is another character
@@ -35,7 +31,7 @@ TEST(CodePage, WhatItCannotHoldBecomesAQuestionMark)
         {"\xED\xA0\x80", "???"},      // half of a pair
         {"\xF4\x90\x80\x80", "????"}, // above all characters
     };
-    for (const Case& c : cases) {
-        EXPECT_EQ(CodePageFromUtf8(c.Text), c.Bytes) << c.Text;
+    for (const auto& [text, bytes] : cases) {
+        EXPECT_EQ(CodePageFromUtf8(text), bytes) << text;
     }
 }

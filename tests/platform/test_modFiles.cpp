@@ -1,34 +1,24 @@
 #include "platform/modFiles.h"
 
-#include <csignal>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <new>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include "support/scripted.h"
-#include "support/temp_folder.h"
+#include "support/fresh.h"
 
 using testing::ElementsAre;
 using testing::UnorderedElementsAre;
 
 namespace {
 
-class Files : public testing::Test {
-protected:
-    void SetUp() override { scripted::Reset(); }
+using Files = FreshFolder;
+using PathsAndWords = std::pair<std::string, const char*>[];
 
-    static mode_t ModeOf(const std::string& path)
-    {
-        struct stat status {};
-        return stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
-    }
-
-    TempFolder Folder;
-    std::string Error;
-};
+mode_t ModeOf(const std::string& path)
+{
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
+}
 
 } // namespace
 
@@ -55,24 +45,15 @@ TEST_F(Files, RefusesToReadAnythingButAFile)
     PutFile(Folder / "huge", "");
     std::filesystem::resize_file(Folder / "huge", uintmax_t{1} << 31U);
     PutFile(Folder / "a", "");
-    struct Case {
-        std::string Path;
-        std::string Words;
-    };
-    const Case cases[] = {
-        {"", "No such file or directory"},
-        {Folder / "none", "No such file or directory"},
-        {(Folder / "a") + "/b", "Not a directory"},
-        {(Folder / "a") + std::string(1, '\0') + "b", "Invalid argument"},
-        {Folder.Path, "Is a directory"},
-        {Folder / "pipe", "Not a regular file"},
-        {"/dev/zero", "Not a regular file"},
-        {Folder / "huge", "File too large"},
-    };
-    for (const Case& c : cases) {
+    const PathsAndWords cases = {
+        {"", "No such file or directory"},   {Folder / "none", "No such file or directory"},
+        {Folder / "a/b", "Not a directory"}, {(Folder / "a") + std::string(1, '\0') + "b", "Invalid argument"},
+        {Folder.Path, "Is a directory"},     {Folder / "pipe", "Not a regular file"},
+        {"/dev/zero", "Not a regular file"}, {Folder / "huge", "File too large"}};
+    for (const auto& [path, words] : cases) {
         std::string bytes = "untouched";
-        EXPECT_FALSE(ReadFile(c.Path, &bytes, &Error)) << c.Path;
-        EXPECT_EQ(Error, c.Words) << c.Path;
+        EXPECT_FALSE(ReadFile(path, &bytes, &Error)) << path;
+        EXPECT_EQ(Error, words) << path;
         EXPECT_EQ(bytes, "untouched");
     }
 }
@@ -81,20 +62,14 @@ TEST_F(Files, AFailingReadSaysWhy)
 {
     PutFile(Folder / "a", "content");
     scripted::FailError = EIO;
-    for (int step = 1;; ++step) {
-        scripted::Steps = 0;
-        scripted::FailAt = step;
+    const int steps = FailEachStep([this] {
         std::string bytes;
         Error.clear();
         const bool good = ReadFile(Folder / "a", &bytes, &Error);
-        if (scripted::Steps < step) {
-            EXPECT_GE(step, 3);
-            EXPECT_TRUE(good);
-            break;
-        }
-        EXPECT_FALSE(good);
-        EXPECT_EQ(Error, "Input/output error");
-    }
+        EXPECT_EQ(Error, good ? "" : "Input/output error");
+        return good;
+    });
+    EXPECT_GE(steps, 2);
 }
 
 TEST_F(Files, ReplacingKeepsThePermissionsOfTheOldFile)
@@ -138,20 +113,15 @@ TEST_F(Files, ReplacesNothingButFiles)
     std::filesystem::create_directory(Folder / "sub");
     ASSERT_EQ(mkfifo((Folder / "pipe").c_str(), 0600), 0);
     std::filesystem::create_symlink("/dev/full", Folder / "device");
-    struct Case {
-        std::string Path;
-        std::string Words;
-    };
-    const Case cases[] = {
-        {"", "No such file or directory"},         {std::string("a\0b", 3), "Invalid argument"},
-        {Folder / "sub", "Is a directory"},        {Folder / "sub/", "Is a directory"},
-        {Folder / "none/", "Is a directory"},      {Folder / "none/a", "No such file or directory"},
-        {Folder / "pipe", "Not a regular file"},   {"/dev/full", "Not a regular file"},
-        {Folder / "device", "Not a regular file"},
-    };
-    for (const Case& c : cases) {
-        EXPECT_FALSE(ReplaceFile(c.Path, "new", &Error)) << c.Path;
-        EXPECT_EQ(Error, c.Words) << c.Path;
+    const PathsAndWords cases = {
+        {"", "No such file or directory"},        {std::string("a\0b", 3), "Invalid argument"},
+        {Folder / "sub", "Is a directory"},       {Folder / "sub/", "Is a directory"},
+        {Folder / "none/", "Is a directory"},     {Folder / "none/a", "No such file or directory"},
+        {Folder / "pipe", "Not a regular file"},  {"/dev/full", "Not a regular file"},
+        {Folder / "device", "Not a regular file"}};
+    for (const auto& [path, words] : cases) {
+        EXPECT_FALSE(ReplaceFile(path, "new", &Error)) << path;
+        EXPECT_EQ(Error, words) << path;
     }
     EXPECT_THAT(Folder.Names(), UnorderedElementsAre("sub", "pipe", "device"));
 }
@@ -159,30 +129,23 @@ TEST_F(Files, ReplacesNothingButFiles)
 TEST_F(Files, AFailedReplaceLeavesTheOldFile)
 {
     for (const bool existed : {true, false}) {
-        for (int step = 1;; ++step) {
+        const int steps = FailEachStep([this, existed] {
             const TempFolder folder;
             if (existed) {
                 PutFile(folder / "a", "old");
             }
-            scripted::Steps = 0;
-            scripted::FailAt = step;
             Error.clear();
             const auto writeParts = [](const PartWriter& write) {
                 write("new ");
                 write("content");
             };
             const bool good = ReplaceFile(folder / "a", writeParts, &Error);
-            if (scripted::Steps < step) {
-                EXPECT_GE(step, 7);
-                EXPECT_TRUE(good);
-                EXPECT_EQ(Content(folder / "a"), "new content");
-                break;
-            }
-            EXPECT_FALSE(good) << step;
-            EXPECT_EQ(Error, "No space left on device") << step;
-            EXPECT_EQ(Content(folder / "a"), existed ? "old" : "(none)") << step;
-            EXPECT_EQ(folder.Names().size(), existed ? 1U : 0U) << step;
-        }
+            EXPECT_EQ(Error, good ? "" : "No space left on device");
+            EXPECT_EQ(Content(folder / "a"), good ? "new content" : existed ? "old" : "(none)");
+            EXPECT_EQ(folder.Names().size(), good || existed ? 1U : 0U);
+            return good;
+        });
+        EXPECT_GE(steps, 6);
     }
 }
 
@@ -194,24 +157,6 @@ TEST_F(Files, ContentThatCannotBeMadeLeavesTheOldFile)
         throw std::bad_alloc();
     };
     EXPECT_THROW(ReplaceFile(Folder / "a", writeParts, &Error), std::bad_alloc);
-    EXPECT_EQ(Content(Folder / "a"), "old");
-    EXPECT_THAT(Folder.Names(), ElementsAre("a"));
-}
-
-TEST_F(Files, AFileSizeLimitOfTheSystemIsAFailureLikeAnother)
-{
-    PutFile(Folder / "a", "old");
-    rlimit limit{};
-    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
-    rlimit small = limit;
-    small.rlim_cur = 1000;
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-    const bool good = ReplaceFile(Folder / "a", std::string(5000, 'x'), &Error);
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-    std::signal(SIGXFSZ, handler);
-    EXPECT_FALSE(good);
-    EXPECT_EQ(Error, "File too large");
     EXPECT_EQ(Content(Folder / "a"), "old");
     EXPECT_THAT(Folder.Names(), ElementsAre("a"));
 }
@@ -246,21 +191,16 @@ TEST_F(Files, AGuardThatCannotBeMadeChangesNothing)
     PutFile(Folder / "a", "old");
     std::filesystem::create_directory(Folder / "sub");
     std::filesystem::create_symlink("a", Folder / "link");
-    struct Case {
-        std::string From;
-        std::string To;
-        std::string Words;
-    };
-    const Case cases[] = {
-        {"a", "sub", "Is a directory"},
-        {"none", "guard", "No such file or directory"},
-        {"sub", "guard", "Is a directory"},
-        {"a", "none/guard", "No such file or directory"},
-        {"link", "a", "The file itself has the name of its safety copy."},
-    };
-    for (const Case& c : cases) {
-        EXPECT_FALSE(GuardFile(Folder / c.From, Folder / c.To, &Error)) << c.From;
-        EXPECT_EQ(Error, c.Words);
+    const struct {
+        const char *From, *To, *Words;
+    } cases[] = {{"a", "sub", "Is a directory"},
+                 {"none", "guard", "No such file or directory"},
+                 {"sub", "guard", "Is a directory"},
+                 {"a", "none/guard", "No such file or directory"},
+                 {"link", "a", "The file itself has the name of its safety copy."}};
+    for (const auto& row : cases) {
+        EXPECT_FALSE(GuardFile(Folder / row.From, Folder / row.To, &Error)) << row.From;
+        EXPECT_EQ(Error, row.Words);
     }
     std::filesystem::create_hard_link(Folder / "a", Folder / "second");
     EXPECT_FALSE(GuardFile(Folder / "link", Folder / "a", &Error));
@@ -290,27 +230,21 @@ TEST_F(Files, ListsPlainFilesAndFindsThemInAnyCase)
                 UnorderedElementsAre("Hide.BMP", "hide.bmp", "Fell-\xC3\x84\xC5\xA0.bmp", "caf\xE9.bmp", "link.bmp"));
     EXPECT_THAT(ListFiles(Folder / "none"), ElementsAre());
 
-    struct Case {
-        const char* Name;
-        const char* Found; ///< empty for none
-    };
-    const Case cases[] = {
-        {"hide.bmp", "hide.bmp"},
-        {"Hide.BMP", "Hide.BMP"},
-        {"LINK.BMP", "link.bmp"},
-        {"FELL-\xC3\xA4\xC5\xA1.BMP", "Fell-\xC3\x84\xC5\xA0.bmp"},
-        {"CAF\xE9.bmp", "caf\xE9.bmp"},
-        {"CAF\xC9.bmp", ""}, // no letter in this encoding
-        {"FOLDER.bmp", ""},
-        {".secret.bmp", ""},
-        {"../hide.bmp", ""},
-        {"", ""},
-    };
+    const std::pair<const char*, std::string> cases[] = {{"hide.bmp", "hide.bmp"},
+                                                         {"Hide.BMP", "Hide.BMP"},
+                                                         {"LINK.BMP", "link.bmp"},
+                                                         {"FELL-\xC3\xA4\xC5\xA1.BMP", "Fell-\xC3\x84\xC5\xA0.bmp"},
+                                                         {"CAF\xE9.bmp", "caf\xE9.bmp"},
+                                                         {"CAF\xC9.bmp", ""}, // no letter in this encoding
+                                                         {"FOLDER.bmp", ""},
+                                                         {".secret.bmp", ""},
+                                                         {"../hide.bmp", ""},
+                                                         {"", ""}};
     FolderNames names;
-    for (const Case& c : cases) {
+    for (const auto& [name, found] : cases) {
         std::string path;
-        EXPECT_EQ(FindFileAnyCase(Folder.Path, c.Name, &names, &path), *c.Found != '\0') << c.Name;
-        EXPECT_EQ(path, *c.Found != '\0' ? Folder / c.Found : "") << c.Name;
+        EXPECT_EQ(FindFileAnyCase(Folder.Path, name, &names, &path), !found.empty()) << name;
+        EXPECT_EQ(path, found.empty() ? "" : Folder / found) << name;
     }
 }
 
