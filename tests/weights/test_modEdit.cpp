@@ -1,21 +1,19 @@
 #include "weights/modEdit.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <limits>
 
 #include "app/modMvmDef.h"
-#include "app/modStatus.h"
-#include "support/scripted.h"
+#include "support/fresh.h"
 #include "weights/modBoneAlias.h"
 
 namespace {
 
-class Edit : public testing::Test {
+class Edit : public Fresh {
 protected:
     void SetUp() override
     {
-        scripted::Reset();
         for (const char* name : {"Hide", "Lone\xE9", "Shade"}) {
             MvmMesh& mesh = Meshes.Add();
             mesh.Name = name;
@@ -33,9 +31,7 @@ TEST_F(Edit, SkinTakesOffsetAndScaleFromTheFirstInstance)
     EXPECT_TRUE(Meshes[1].IsSkin);
     EXPECT_EQ(Meshes[1].VertexBones.Count(), 6);
     EXPECT_EQ(SkinScale, 0.25F);
-    EXPECT_EQ(SkinOffset.X, -1);
-    EXPECT_EQ(SkinOffset.Y, 2);
-    EXPECT_EQ(SkinOffset.Z, -3);
+    EXPECT_TRUE(SkinOffset.X == -1 && SkinOffset.Y == 2 && SkinOffset.Z == -3);
     Meshes[1].VertexBones[2] = 7;
     SelectShadowMesh(3);
     EXPECT_EQ(SkinScale, 0.25F) << "the shadow has no scale of its own";
@@ -86,18 +82,15 @@ TEST_F(Edit, RenameFollowsTheInstances)
         RenameMesh(1, lost);
         EXPECT_EQ(Meshes[1].Name, lost);
         EXPECT_EQ(Instances[2].Name, lost);
-        ASSERT_EQ(scripted::Log.size(), 1U);
-        EXPECT_NE(scripted::Log[0].find(lost), std::string::npos);
+        EXPECT_THAT(scripted::Log, testing::ElementsAre(testing::HasSubstr(lost)));
     }
 }
 
 TEST_F(Edit, ListsShowLabelsOfTheirKind)
 {
-    Bones.Add().Name = "Hip01";
-    Bones.Add().Name = "$j$Hip02";
+    Bones.Add({"Hip01", {}, {}, 0, "", "Hip"});
+    Bones.Add({"$j$Hip02", {}, {}, 0, "", "", true});
     Bones.Add().Name = "Knee\xE9";
-    Bones[2].IsShadow = true;
-    Bones[1].Alias = "Hip";
     ActiveBone = 3;
     FillBoneLists();
     EXPECT_EQ(ActiveBone, 0);
@@ -117,14 +110,13 @@ TEST_F(Edit, ListsShowLabelsOfTheirKind)
 
     SelectSkinMesh(1);
     Meshes[1].VertexBones.Items = {2, 2, 0, 1, 0, 0};
-    SetActiveBone(1);
-    EXPECT_EQ(scripted::SelectedRow[0], 1);
-    EXPECT_EQ(scripted::Panel("progress"), "1 verts assigned to bone 1");
-    SetActiveBone(2);
-    EXPECT_EQ(scripted::SelectedRow[0], 1) << "a bone without a row leaves the selection alone";
-    EXPECT_EQ(scripted::Panel("progress"), "2 verts assigned to bone 2");
-    SetActiveBone(0);
-    EXPECT_EQ(scripted::Panel("progress"), "3 verts assigned to bone 0");
+    const char* const status[] = {"3 verts assigned to bone 0", "1 verts assigned to bone 1",
+                                  "2 verts assigned to bone 2"};
+    for (const int16_t bone : {int16_t{1}, int16_t{2}, int16_t{0}}) {
+        SetActiveBone(bone);
+        EXPECT_EQ(scripted::SelectedRow[0], bone == 0 ? 0 : 1) << "a bone without a row leaves the selection alone";
+        EXPECT_EQ(scripted::Panel("progress"), status[bone]);
+    }
     EditTarget = 1;
     UpdateBoneStatus();
     EXPECT_EQ(scripted::Panel("progress"), "0 verts assigned to bone 0");
