@@ -1,17 +1,12 @@
 #include "weights/modWeights.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
-#include <bit>
-#include <filesystem>
-#include <string>
-
-#include <unistd.h>
-
-#include "app/modStatus.h"
-#include "platform/modFiles.h"
-#include "support/scripted.h"
+#include "support/fresh.h"
 #include "weights/shapes.h"
+
+using testing::ElementsAre;
+using testing::StartsWith;
 
 namespace {
 
@@ -27,31 +22,17 @@ const std::string otherCount =
     "Number of vertices of current mesh does not match weight information file.\nWould you like "
     "to continue?";
 
-class Weights : public testing::Test {
+class Weights : public FreshFolder {
 protected:
-    void SetUp() override
+    void Write(const std::string& bytes) const { PutFile(file, bytes); }
+    [[nodiscard]] std::string Read() const { return Content(file); }
+    /// Adds a skin and bones and writes its weights. Gives what the file holds.
+    std::string Saved(const std::vector<Vec3>& places, const std::vector<int16_t>& bones, int boneCount) const
     {
-        scripted::Reset();
-        folder = std::filesystem::temp_directory_path() / ("weights-" + std::to_string(getpid()));
-        std::filesystem::create_directories(folder);
-        file = (folder / "a.wif").string();
-    }
-    void TearDown() override
-    {
-        scripted::Reset();
-        std::filesystem::remove_all(folder);
-    }
-    void Write(const std::string& bytes)
-    {
-        std::string error;
-        ASSERT_TRUE(ReplaceFile(file, bytes, &error)) << error;
-    }
-    std::string Read()
-    {
-        std::string bytes;
-        std::string error;
-        EXPECT_TRUE(ReadFile(file, &bytes, &error)) << error;
-        return bytes;
+        AddMesh(places, bones, boneCount);
+        SaveWeights(file, 1);
+        scripted::Messages.clear();
+        return Read();
     }
     static MvmMesh& AddMesh(const std::vector<Vec3>& places, const std::vector<int16_t>& bones, int boneCount)
     {
@@ -65,9 +46,13 @@ protected:
         mesh.VertexBones.Items = bones;
         return mesh;
     }
-    std::filesystem::path folder;
-    std::string file;
+    const std::string file = Folder / "a.wif";
 };
+
+testing::Matcher<scripted::Box> IsBox(BoxIcon icon, const testing::Matcher<const std::string&>& text)
+{
+    return testing::AllOf(testing::Field(&scripted::Box::Icon, icon), testing::Field(&scripted::Box::Text, text));
+}
 
 TEST_F(Weights, WritesEachByteInItsPlace)
 {
@@ -77,9 +62,7 @@ TEST_F(Weights, WritesEachByteInItsPlace)
                                "\0\0\x80\x3F\0\0\0\xC0\0\0\0\x3F\2\1",
                                54);
     EXPECT_EQ(Read(), expected);
-    ASSERT_EQ(scripted::Messages.size(), 1U);
-    EXPECT_EQ(scripted::Messages[0].Text, "File saved.");
-    EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Information);
+    EXPECT_THAT(scripted::Messages, ElementsAre(IsBox(BoxIcon::Information, "File saved.")));
     EXPECT_EQ(scripted::Redraws, 1);
     Meshes[1].Name = "A name of more than 24 characters";
     SaveWeights(file, 1);
@@ -90,39 +73,30 @@ TEST_F(Weights, FailedSaveKeepsTheOldFile)
 {
     Write("old");
     AddMesh({{1, 2, 3}}, {0}, 0);
+    const auto failed = ElementsAre(IsBox(BoxIcon::Stop, StartsWith("Runtime error in SaveWeights\n")));
     for (const bool after : {false, true}) {
-        int fail = 1;
-        for (;; ++fail) {
+        scripted::FailAfter = after;
+        const int steps = FailEachStep([&] {
             scripted::Messages.clear();
-            scripted::Steps = 0;
-            scripted::FailAt = fail;
-            scripted::FailAfter = after;
             SaveWeights(file, 1);
-            scripted::FailAt = 0;
-            ASSERT_EQ(scripted::Messages.size(), 1U);
-            if (scripted::Messages[0].Text == "File saved.") {
-                break;
-            }
-            EXPECT_TRUE(scripted::Messages[0].Text.starts_with("Runtime error in SaveWeights\n"));
-            EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Stop);
-            EXPECT_EQ(Read(), "old");
-        }
-        EXPECT_GT(fail, 3);
+            const bool good = Read() != "old";
+            EXPECT_THAT(scripted::Messages, good ? ElementsAre(IsBox(BoxIcon::Information, "File saved.")) : failed);
+            return good;
+        });
+        EXPECT_GT(steps, 2);
         EXPECT_EQ(Read().size(), 54U);
         Write("old");
     }
     scripted::Messages.clear();
     Bones.Items.resize(32768);
     SaveWeights(file, 1);
-    EXPECT_TRUE(scripted::Messages.at(0).Text.starts_with("Runtime error in SaveWeights\n"));
+    EXPECT_THAT(scripted::Messages, failed);
     EXPECT_EQ(Read(), "old");
 }
 
 TEST_F(Weights, AsksEachQuestionInOrder)
 {
-    AddMesh({{1, 2, 3}}, {1}, 1);
-    SaveWeights(file, 1);
-    const std::string good = Read();
+    const std::string good = Saved({{1, 2, 3}}, {1}, 1);
     std::string all = good;
     all[4] = 9;
     all[10] = 2;
@@ -140,86 +114,65 @@ TEST_F(Weights, AsksEachQuestionInOrder)
             LoadWeights(file, 1);
             ASSERT_EQ(scripted::Questions.size(), std::min(yes + 1, questions.size()));
             for (size_t i = 0; i < scripted::Questions.size(); ++i) {
-                EXPECT_EQ(scripted::Questions[i].Text, questions[i]);
-                EXPECT_EQ(scripted::Questions[i].Icon, BoxIcon::Warning);
+                EXPECT_THAT(scripted::Questions[i], IsBox(BoxIcon::Warning, questions[i]));
             }
             EXPECT_EQ(Meshes[1].VertexBones[1], yes == questions.size() ? 1 : 0);
         }
     }
     scripted::Questions.clear();
     Write(good);
-    scripted::AssignModes = {1};
-    LoadWeights(file, 1);
+    for (const int16_t mode : {int16_t{0}, int16_t{1}}) { // the dialog cancelled, then not
+        Meshes[1].VertexBones[1] = 0;
+        scripted::AssignModes = {mode};
+        LoadWeights(file, 1);
+        EXPECT_EQ(Meshes[1].VertexBones[1], mode);
+    }
     EXPECT_TRUE(scripted::Questions.empty());
     for (const std::string& name : {std::string("Hide "), std::string("A name of more than 24 characters")}) {
         Meshes[1].Name = name;
         SaveWeights(file, 1);
         scripted::Questions.clear();
         LoadWeights(file, 1);
-        ASSERT_EQ(scripted::Questions.size(), 1U) << name;
-        EXPECT_EQ(scripted::Questions[0].Text, otherName);
+        EXPECT_THAT(scripted::Questions, ElementsAre(IsBox(BoxIcon::Warning, otherName))) << name;
     }
 }
 
 TEST_F(Weights, RefusesForeignAndCutFiles)
 {
-    AddMesh({{1, 2, 3}}, {1}, 1);
-    SaveWeights(file, 1);
-    const std::string good = Read();
-    scripted::Messages.clear();
+    const std::string good = Saved({{1, 2, 3}}, {1}, 1);
+    const auto failed = IsBox(BoxIcon::Stop, StartsWith("Runtime error in LoadWeights\n"));
     for (size_t size = 4; size < 40; ++size) {
         Write(good.substr(0, size));
         LoadWeights(file, 1);
     }
-    ASSERT_EQ(scripted::Messages.size(), 36U);
-    for (const scripted::Box& box : scripted::Messages) {
-        EXPECT_TRUE(box.Text.starts_with("Runtime error in LoadWeights\n"));
-        EXPECT_EQ(box.Icon, BoxIcon::Stop);
-    }
-    for (const std::string& foreign :
-         {"bWRT" + good.substr(4), std::string("a short note"), std::string("BWR"), std::string()}) {
+    LoadWeights(Folder.Path, 1);
+    EXPECT_EQ(scripted::Messages.size(), 37U);
+    EXPECT_THAT(scripted::Messages, testing::Each(failed));
+    for (const std::string& foreign : {"bWRT" + good.substr(4), std::string("a short note"), good.substr(0, 3)}) {
         scripted::Messages.clear();
         Write(foreign);
         LoadWeights(file, 1);
-        ASSERT_EQ(scripted::Messages.size(), 1U);
-        EXPECT_EQ(scripted::Messages[0].Text, "File is not an weight information file.");
+        LoadWeights(file, 2); // no such mesh
+        EXPECT_THAT(scripted::Messages,
+                    ElementsAre(IsBox(BoxIcon::Warning, "File is not an weight information file.")));
     }
-    LoadWeights(folder.string(), 1);
-    EXPECT_TRUE(scripted::Messages.at(1).Text.starts_with("Runtime error in LoadWeights\n"));
-    LoadWeights(file, 2);
-    EXPECT_EQ(scripted::Messages.size(), 2U);
     EXPECT_TRUE(scripted::Questions.empty());
 }
 
 TEST_F(Weights, RecordsOutsideAndCutRecordsLeaveVerticesAlone)
 {
     const std::vector<Vec3> places = {{1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {4, 0, 0}, {5, 0, 0}};
-    AddMesh(places, {0, 2, -1, 3, 1}, 3);
-    SaveWeights(file, 1);
-    const std::string bytes = Read();
+    const std::string bytes = Saved(places, {0, 2, -1, 3, 1}, 3);
     Bones.Items.resize(2);
     for (const int mode : {1, 2}) {
         Write(bytes.substr(0, bytes.size() - 1));
         Meshes[1].VertexBones.Items = {1, 1, 1, 1, 2};
-        scripted::Log.clear();
-        scripted::LogShown = 0;
         scripted::Answers = {BoxAnswer::Yes};
         scripted::AssignModes = {mode};
-        LoadWeights(file, 1);
-        EXPECT_EQ(Meshes[1].VertexBones.Items, (std::vector<int16_t>{0, 2, 1, 1, 2}));
-        EXPECT_EQ(scripted::Log, std::vector<std::string>{"Cannot assign vertex 4 to bone 3, bone does not exist."});
-        EXPECT_EQ(scripted::LogShown, 1);
-        EXPECT_FALSE(LogDirty);
+        EXPECT_THAT(LogOf([this] { LoadWeights(file, 1); }),
+                    ElementsAre("Cannot assign vertex 4 to bone 3, bone does not exist."));
+        EXPECT_THAT(Meshes[1].VertexBones.Items, ElementsAre(0, 2, 1, 1, 2));
     }
-}
-
-TEST_F(Weights, CancelledDialogChangesNothing)
-{
-    AddMesh({{1, 0, 0}}, {1}, 1);
-    SaveWeights(file, 1);
-    Meshes[1].VertexBones[1] = 0;
-    LoadWeights(file, 1);
-    EXPECT_EQ(Meshes[1].VertexBones[1], 0);
 }
 
 TEST_F(Weights, ByPositionEqualsThePlainLoop)
@@ -238,8 +191,7 @@ TEST_F(Weights, ByPositionEqualsThePlainLoop)
         for (int16_t& bone : bones) {
             bone = static_cast<int16_t>(static_cast<int>(random() % 9) - 2);
         }
-        AddMesh(places, bones, 5);
-        SaveWeights(file, 1);
+        Saved(places, bones, 5);
         MvmMesh& mesh = Meshes[1];
         if (random() % 2 == 0) {
             for (Vec3& place : mesh.Vertices) {
