@@ -4,6 +4,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
+#include <optional>
 #include <random>
 #include <string>
 
@@ -35,63 +36,28 @@ std::string PlainFloatText(float value)
 
 TEST(LeadingNumber, ReadsWhatStandsAtTheStart)
 {
-    const struct {
-        std::string_view Text;
-        double Number;
-    } cases[] = {
-        {"07", 7},
-        {"e9", 0},
-        {"-5", -5},
-        {"12abc", 12},
-        {"1E3", 1000},
-        {"1,5", 1},
-        {"", 0},
-        {".", 0},
-        {"-", 0},
-        {"+", 0},
-        {"-.", 0},
-        {".5", 0.5},
-        {"5.", 5},
-        {"-.25", -0.25},
-        {"+3", 3},
-        {"+-3", 0},
-        {"--3", 0},
-        {"1.5.7", 1.5},
-        {"1d2", 100},
-        {"1D+2", 100},
-        {"25e-1", 2.5},
-        {"1E", 1},
-        {"1E+", 1},
-        {"1E+x", 1},
-        {".e5", 0},
-        {"x1", 0},
-        {"inf", 0},
-        {"nan", 0},
-        {"0x10", 0},
-        {"1e5e5", 1e5},
-        {"1 2", 12},
-        {" \t\n1\n2 . 5", 12.5},
-        {"- 1", -1},
-        {"1 E - 1", 0.1},
-        {"1\r2", 1},
-        {"1e1.5", 10},
-        {"\"1\"", 0},
-        {"(1", 0},
-        {"1)", 1},
-        {"0.1", 0.1},
-        {"1\xA0", 1},
-        {"0E999999999", 0},
-        {"1E-400", 0},
-        {"4.9E-324", 4.9e-324},
-        {"1E-99999999999999999999", 0},
-        {"1.7976931348623157E308", 1.7976931348623157e308},
-        {"123456789012345678901234567890", 123456789012345678901234567890.0},
-        {"9007199254740993", 9007199254740992.0},
-        {"9007199254740993.0000000000000000000000000001", 9007199254740994.0},
-        {std::string_view("1\0002", 3), 1},
-    };
-    for (const auto& row : cases) {
-        EXPECT_EQ(Leading(row.Text), row.Number) << '"' << row.Text << '"';
+    const std::pair<double, std::vector<std::string_view>> cases[] = {
+        {0, {"", ".", "-", "+", "-.", "+-3", "--3", "e9", "x1", ".e5", "inf", "nan", "0x10", "\"1\"", "(1"}},
+        {0, {"0E999999999", "1E-400", "1E-99999999999999999999"}},
+        {1, {"1,5", "1E", "1E+", "1E+x", "1\r2", "1)", "1\xA0", std::string_view("1\0002", 3)}},
+        {12, {"12abc", "1 2"}},
+        {12.5, {" \t\n1\n2 . 5"}},
+        {100, {"1d2", "1D+2"}},
+        {0.1, {"1 E - 1", "0.1"}},
+        {123456789012345678901234567890.0, {"123456789012345678901234567890"}},
+        {9007199254740992.0, {"9007199254740993"}},
+        {9007199254740994.0, {"9007199254740993.0000000000000000000000000001"}}};
+    for (const auto& [number, texts] : cases) {
+        for (const std::string_view text : texts) {
+            EXPECT_EQ(Leading(text), number) << '"' << text << '"';
+        }
+    }
+    const std::pair<double, const char*> singles[] = {
+        {7, "07"}, {-5, "-5"},  {1000, "1E3"},  {2.5, "25e-1"}, {4.9e-324, "4.9E-324"},
+        {3, "+3"}, {-1, "- 1"}, {10, "1e1.5"},  {1e5, "1e5e5"}, {1.7976931348623157e308, "1.7976931348623157E308"},
+        {5, "5."}, {0.5, ".5"}, {1.5, "1.5.7"}, {-0.25, "-.25"}};
+    for (const auto& [number, text] : singles) {
+        EXPECT_EQ(Leading(text), number) << text;
     }
     EXPECT_TRUE(std::signbit(Leading("-0")));
     EXPECT_FALSE(std::signbit(Leading("-")));
@@ -178,86 +144,51 @@ TEST(PlainNumber, LeavesEveryOtherShapeToTheGeneralRule)
     }
 }
 
-TEST(RoundToInt16, TakesTiesToEvenAndRefusesTheRest)
+TEST(Rounding, TakesTiesToEvenAndRefusesTheRest)
 {
+    const double infinite = std::numeric_limits<double>::infinity();
     const struct {
         double Number;
-        int Rounded;
-    } good[] = {{2.5, 2},          {3.5, 4},           {-2.5, -2},          {-3.5, -4}, {0.5, 0},
-                {32767.49, 32767}, {-32768.5, -32768}, {-32768.49, -32768}, {1e-300, 0}};
-    for (const auto& row : good) {
+        std::optional<int> Small, Large;
+    } cases[] = {{2.5, 2, 2},    {1e-300, 0, 0},       {2147483647.5, {}, {}},  {32767.49, 32767, 32767},
+                 {3.5, 4, 4},    {1e300, {}, {}},      {std::nan(""), {}, {}},  {-32768.5, -32768, -32768},
+                 {0.5, 0, 0},    {-infinite, {}, {}},  {-32768.51, {}, -32769}, {-2147483648.5, {}, INT32_MIN},
+                 {-2.5, -2, -2}, {32767.5, {}, 32768}, {-2147483649.0, {}, {}}, {2147483647.49, {}, 2147483647}};
+    for (const auto& row : cases) {
         int16_t rounded = 99;
-        EXPECT_TRUE(RoundToInt16(row.Number, &rounded)) << row.Number;
-        EXPECT_EQ(rounded, row.Rounded) << row.Number;
+        EXPECT_EQ(RoundToInt16(row.Number, &rounded), row.Small.has_value()) << row.Number;
+        EXPECT_EQ(rounded, row.Small.value_or(99)) << row.Number;
+        int32_t wide = 99;
+        EXPECT_EQ(RoundToInt32(row.Number, &wide), row.Large.has_value()) << row.Number;
+        EXPECT_EQ(wide, row.Large.value_or(99)) << row.Number;
     }
-    const double infinite = std::numeric_limits<double>::infinity();
-    for (const double number :
-         {32767.5, 32768.0, -32768.51, -32769.0, 1e300, -1e300, infinite, -infinite, std::nan("")}) {
-        int16_t rounded = 99;
-        EXPECT_FALSE(RoundToInt16(number, &rounded)) << number;
-        EXPECT_EQ(rounded, 99);
-    }
-}
-
-TEST(RoundToInt32, HoldsItsRange)
-{
-    int32_t rounded = 99;
-    EXPECT_FALSE(RoundToInt32(2147483647.5, &rounded));
-    EXPECT_FALSE(RoundToInt32(-2147483649.0, &rounded));
-    EXPECT_FALSE(RoundToInt32(1e300, &rounded));
-    EXPECT_FALSE(RoundToInt32(std::nan(""), &rounded));
-    EXPECT_EQ(rounded, 99);
-    EXPECT_TRUE(RoundToInt32(2147483647.49, &rounded));
-    EXPECT_EQ(rounded, 2147483647);
-    EXPECT_TRUE(RoundToInt32(-2147483648.5, &rounded));
-    EXPECT_EQ(rounded, std::numeric_limits<int32_t>::min());
 }
 
 TEST(ToFloat, RefusesWhatWouldBecomeInfinite)
 {
     constexpr float largest = std::numeric_limits<float>::max();
-    float value = 42;
-    EXPECT_FALSE(ToFloat(1e39, &value));
-    EXPECT_FALSE(ToFloat(-1e39, &value));
-    EXPECT_FALSE(ToFloat(0x1.ffffffp127, &value)); // halfway to the next power, a tie to even
-    EXPECT_EQ(value, 42);
-    EXPECT_TRUE(ToFloat(std::nextafter(0x1.ffffffp127, 0), &value));
-    EXPECT_EQ(value, largest);
-    EXPECT_TRUE(ToFloat(-static_cast<double>(largest), &value));
-    EXPECT_EQ(value, -largest);
-    EXPECT_TRUE(ToFloat(1e-60, &value));
-    EXPECT_EQ(value, 0);
+    const double halfway = 0x1.ffffffp127; // to the next power, a tie to even
+    const std::pair<double, std::optional<float>> cases[] = {{1e39, {}},  {halfway, {}},
+                                                             {1e-60, 0},  {std::nextafter(halfway, 0), largest},
+                                                             {-1e39, {}}, {-static_cast<double>(largest), -largest}};
+    for (const auto& [number, expected] : cases) {
+        float value = 42;
+        EXPECT_EQ(ToFloat(number, &value), expected.has_value()) << number;
+        EXPECT_EQ(value, expected.value_or(42)) << number;
+    }
 }
 
 TEST(FloatToText, WritesSevenDigits)
 {
     const float infinite = std::numeric_limits<float>::infinity();
-    const struct {
-        float Value;
-        const char* Text;
-    } cases[] = {{0.5F, "0.5"},
-                 {3, "3"},
-                 {-1.25F, "-1.25"},
-                 {1234567.9F, "1234568"},
-                 {1.5e-7F, "1.5E-07"},
-                 {-1.5e-7F, "-1.5E-07"},
-                 {0, "0"},
-                 {-0.0F, "0"},
-                 {0.0001F, "0.0001"},
-                 {0.00001F, "1E-05"},
-                 {9999999, "9999999"},
-                 {1e7F, "1E+07"},
-                 {12345678, "1.234568E+07"},
-                 {1200, "1200"},
-                 {100.25F, "100.25"},
-                 {1.0F / 3, "0.3333333"},
-                 {1e-45F, "1.401298E-45"},
-                 {3.4028235e38F, "3.402823E+38"},
-                 {infinite, "3.402823E+38"},
-                 {-infinite, "-3.402823E+38"},
-                 {std::nanf(""), "0"}};
-    for (const auto& row : cases) {
-        EXPECT_EQ(FloatToText(row.Value), row.Text);
+    const std::pair<float, const char*> cases[] = {
+        {0, "0"},        {-1.25F, "-1.25"},    {9999999, "9999999"},    {1e-45F, "1.401298E-45"},
+        {-0.0F, "0"},    {0.0001F, "0.0001"},  {std::nanf(""), "0"},    {12345678, "1.234568E+07"},
+        {0.5F, "0.5"},   {0.00001F, "1E-05"},  {-1.5e-7F, "-1.5E-07"},  {infinite, "3.402823E+38"},
+        {1200, "1200"},  {100.25F, "100.25"},  {1234567.9F, "1234568"}, {-infinite, "-3.402823E+38"},
+        {1e7F, "1E+07"}, {1.5e-7F, "1.5E-07"}, {1.0F / 3, "0.3333333"}};
+    for (const auto& [value, text] : cases) {
+        EXPECT_EQ(FloatToText(value), text);
     }
 }
 
