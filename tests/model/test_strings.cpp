@@ -1,3 +1,4 @@
+#include <array>
 #include <gtest/gtest.h>
 
 #include "model/modStrings.h"
@@ -42,15 +43,9 @@ TEST(StripWhitespace, KeepsWhatStandsInQuotes)
     const struct {
         std::string_view Line, Stripped;
     } cases[] = {
-        {"   ", ""},
-        {" m = \"a b\" ", "m=\"a b\""},
-        {"\"a\tb\"", "\"a\tb\""},
-        {" a\tb \n", "ab\n"},
-        {"\"a b", "\"a b"},
-        {"a \"b c\" d \"e f", "a\"b c\"d\"e f"},
-        {"", ""},
-        {std::string_view("a \0 b", 5), std::string_view("a\0b", 3)},
-    };
+        {"", ""},           {" a\tb \n", "ab\n"},          {"a \"b c\" d \"e f", "a\"b c\"d\"e f"},
+        {"   ", ""},        {"\"a\tb\"", "\"a\tb\""},      {std::string_view("a \0 b", 5), std::string_view("a\0b", 3)},
+        {"\"a b", "\"a b"}, {" m = \"a b\" ", "m=\"a b\""}};
     for (const auto& row : cases) {
         EXPECT_EQ(StripWhitespace(row.Line), row.Stripped);
     }
@@ -73,9 +68,7 @@ TEST(ParseVec3, ReadsTriplesIntoViewAxes)
     for (const auto& row : cases) {
         Vec3 value{9, 9, 9};
         EXPECT_TRUE(ParseVec3(row.Text, &value)) << row.Text;
-        EXPECT_EQ(value.X, row.X) << row.Text;
-        EXPECT_EQ(value.Y, row.Y) << row.Text;
-        EXPECT_EQ(value.Z, row.Z) << row.Text;
+        EXPECT_EQ((std::array{value.X, value.Y, value.Z}), (std::array{row.X, row.Y, row.Z})) << row.Text;
     }
     for (const std::string_view text : {"", "x", "(1E39,0,0)", "(0,0,1E999)"}) {
         Vec3 value{9, 9, 9};
