@@ -1,31 +1,20 @@
 #pragma once
 
-#include <filesystem>
-#include <fstream>
-#include <gtest/gtest.h>
-#include <initializer_list>
+#include <gmock/gmock.h>
 #include <string>
 #include <string_view>
-#include <unistd.h>
 
 #include "app/modMvmDef.h"
 #include "model/modMvmRead.h"
-#include "support/scripted.h"
+#include "support/fresh.h"
 
 /// A test with an empty scene and a file to put models into.
-class ModelFile : public testing::Test {
+class ModelFile : public FreshFolder {
 protected:
-    void SetUp() override { scripted::Reset(); }
-    void TearDown() override
-    {
-        std::filesystem::remove(Path);
-        scripted::Reset();
-    }
-
     /// Adds these bytes, as a model file, to the scene.
     bool Load(std::string_view bytes)
     {
-        std::ofstream(Path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        PutFile(Path, bytes);
         return LoadMVM(Path);
     }
     /// The same into an empty scene.
@@ -34,12 +23,11 @@ protected:
         scripted::Reset();
         return Load(bytes);
     }
-    /// Lines, each ended by CR LF.
-    static std::string Lines(std::initializer_list<std::string_view> lines)
+    /// The text with CR LF in the place of each '|'.
+    static std::string Lines(std::string text)
     {
-        std::string text;
-        for (const std::string_view line : lines) {
-            text.append(line).append("\r\n");
+        for (size_t at = 0; (at = text.find('|', at)) != std::string::npos; at += 2) {
+            text.replace(at, 1, "\r\n");
         }
         return text;
     }
@@ -48,8 +36,5 @@ protected:
         return scripted::Messages.empty() ? std::string() : scripted::Messages.back().Text;
     }
 
-    const std::string Path = (std::filesystem::temp_directory_path() /
-                              ("model_" + std::to_string(getpid()) + "_" +
-                               testing::UnitTest::GetInstance()->current_test_info()->name() + ".mvm"))
-                                 .string();
+    const std::string Path = Folder / "a.mvm";
 };

@@ -1,5 +1,4 @@
 #include <cmath>
-#include <gmock/gmock.h>
 #include <random>
 
 #include "model/model_file.h"
@@ -47,25 +46,11 @@ TEST_F(VerifyModel, BindsToTheLastBoneOfItsKindWithTheNumber)
         const char* Joint;
         int Bone;
     } cases[] = {
-        {{"A07", "B07", "C17"}, ",7", 2},
-        {{"A07", "$j$07"}, ",7", 1},
-        {{"Toe9", "A01"}, ",9", 0},
-        {{"Toe9", "A01"}, ",0", 1},
-        {{"Toe9", "A01"}, "", 1},
-        {{"A00", "Root", "B01"}, "", 2},
-        {{"A01", "Root"}, ",-1", 0},
-        {{"A01", "x-1"}, ",-1", 2},
-        {{"x.5"}, ",0.5", 0},
-        {{"x7."}, ",7", 1},
-        {{"A07"}, ",7.5", 0},
-        {{"A08"}, ",7.5", 1},
-        {{"A07"}, ",7,8", 0},
-        {{"A107"}, ",107", 0},
-        {{"A99"}, ",99", 1},
-        {{"A00"}, ",32767", 0},
-        {{"A00"}, ",-32768", 0},
-        {{}, ",0", 0},
-    };
+        {{}, ",0", 0},          {{"A00"}, ",-32768", 0},         {{"x7."}, ",7", 1},    {{"Toe9", "A01"}, "", 1},
+        {{"A99"}, ",99", 1},    {{"Toe9", "A01"}, ",9", 0},      {{"x.5"}, ",0.5", 0},  {{"Toe9", "A01"}, ",0", 1},
+        {{"A07"}, ",7.5", 0},   {{"A01", "x-1"}, ",-1", 2},      {{"A08"}, ",7.5", 1},  {{"A07", "$j$07"}, ",7", 1},
+        {{"A07"}, ",7,8", 0},   {{"A01", "Root"}, ",-1", 0},     {{"A107"}, ",107", 0}, {{"A00", "Root", "B01"}, "", 2},
+        {{"A00"}, ",32767", 0}, {{"A07", "B07", "C17"}, ",7", 2}};
     for (const auto& row : cases) {
         ASSERT_TRUE(LoadAnew(BoneBlocks(row.BoneNames) + "skin \"S\" {\r\n v = (1,2,3)" + row.Joint + "\r\n}\r\n"));
         EXPECT_EQ(Meshes[1].VertexBones[1], row.Bone) << row.Joint << testing::PrintToString(row.BoneNames);
@@ -99,10 +84,10 @@ TEST_F(VerifyModel, BindsLikeThePlainWalk)
 
 TEST_F(VerifyModel, WorksOutRolesFromNames)
 {
-    ASSERT_TRUE(Load(BoneBlocks({"A01", "$J$B01"}) +
-                     Lines({"mesh \"head\"", "skin \"S1\" {", "v = (0,0,0),1", "}", "skin \"S$h\" {", "v = (0,0,0),1",
-                            "}", "mesh \"my$HEADbody\"", "mesh \"$Tail\"", "mesh \"$tail2\"", "skin \"S2\" {",
-                            "v=(0,0,0),1", "}", "mesh \"$\""})));
+    ASSERT_TRUE(
+        Load(BoneBlocks({"A01", "$J$B01"}) +
+             Lines("mesh \"head\"|skin \"S1\" {|v = (0,0,0),1|}|skin \"S$h\" {|v = (0,0,0),1|}|"
+                   "mesh \"my$HEADbody\"|mesh \"$Tail\"|mesh \"$tail2\"|skin \"S2\" {|v=(0,0,0),1|}|mesh \"$\"|")));
     EXPECT_EQ(SkinMesh, 7);
     EXPECT_EQ(ShadowMesh, 3);
     EXPECT_EQ(HeadMesh, 4);
@@ -117,26 +102,26 @@ TEST_F(VerifyModel, WorksOutRolesFromNames)
 
 TEST_F(VerifyModel, MakesASingleMeshTheSkin)
 {
-    ASSERT_TRUE(Load(BoneBlocks({"A00"}) + Lines({"mesh \"M\" {", "v = (0,0,0),0", "}"})));
+    ASSERT_TRUE(Load(BoneBlocks({"A00"}) + Lines("mesh \"M\" {|v = (0,0,0),0|}|")));
     EXPECT_EQ(SkinMesh, 1);
     EXPECT_EQ(ShadowMesh, 0);
     EXPECT_TRUE(Meshes[1].IsSkin);
     EXPECT_THAT(Meshes[1].VertexBones.Items, ElementsAre(0));
     EXPECT_EQ(Meshes[1].VertexJoints.Count(), 0);
 
-    ASSERT_TRUE(LoadAnew(Lines({"skin \"S$\""})));
+    ASSERT_TRUE(LoadAnew(Lines("skin \"S$\"|")));
     EXPECT_EQ(SkinMesh, 1);
     EXPECT_EQ(ShadowMesh, 1);
 
-    ASSERT_TRUE(LoadAnew(Lines({"mesh \"M\"", "mesh \"N\""})));
+    ASSERT_TRUE(LoadAnew(Lines("mesh \"M\"|mesh \"N\"|")));
     EXPECT_EQ(SkinMesh, 0);
 }
 
 TEST_F(VerifyModel, LeavesMeshesWithoutJointNumbersUnbound)
 {
-    ASSERT_TRUE(Load(Lines({"mesh \"M\" {", "v = (0,0,0)", "v = (1,0,0)", "}"})));
+    ASSERT_TRUE(Load(Lines("mesh \"M\" {|v = (0,0,0)|v = (1,0,0)|}|")));
     ASSERT_TRUE(Meshes[1].IsSkin); // so the second load meets a skin without joint numbers
-    ASSERT_TRUE(Load(BoneBlocks({"Root"}) + Lines({"{", "v = (2,0,0)", "}"})));
+    ASSERT_TRUE(Load(BoneBlocks({"Root"}) + Lines("{|v = (2,0,0)|}|")));
     EXPECT_THAT(Meshes[1].VertexBones.Items, ElementsAre(0, 0));
     EXPECT_EQ(SkinMesh, 1);
 
@@ -147,8 +132,7 @@ TEST_F(VerifyModel, LeavesMeshesWithoutJointNumbersUnbound)
 
 TEST_F(VerifyModel, FindsTheLastMaterialOfAName)
 {
-    ASSERT_TRUE(Load(Lines({"mesh \"M\" {", "m = A", "m = \"B\"", "m = a", "m = C", "}", "material \"A\"", "material B",
-                            "material \"A\""})));
+    ASSERT_TRUE(Load(Lines("mesh \"M\" {|m = A|m = \"B\"|m = a|m = C|}|material \"A\"|material B|material \"A\"|")));
     const auto& list = Meshes[1].MeshMaterials;
     EXPECT_EQ(list[1].Index, 3);
     EXPECT_EQ(list[2].Index, 2);

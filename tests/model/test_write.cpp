@@ -1,12 +1,10 @@
 #include <clocale>
 #include <cstdlib>
-#include <gmock/gmock.h>
 #include <limits>
 
 #include "model/model_file.h"
 #include "model/modMvmWrite.h"
 #include "model/modStrings.h"
-#include "support/temp_folder.h"
 
 namespace {
 
@@ -15,8 +13,7 @@ protected:
     [[nodiscard]] std::string WrittenBytes() const
     {
         EXPECT_TRUE(WriteMVM(Path));
-        std::ifstream file(Path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
+        return Content(Path);
     }
 };
 
@@ -26,68 +23,19 @@ const std::string fileInfo = "fileinfo\r\n{\r\n formatversion = 1.0.2\r\n}\r\n\r
 
 TEST_F(WriteModel, WritesAWholeSceneToTheByte)
 {
-    const std::string text = fileInfo + Lines({"material \"Bark\"",
-                                               "{",
-                                               " colormap = \"Bark.bmp\"",
-                                               "}",
-                                               "",
-                                               "material \"\xC4\"",
-                                               "{",
-                                               " opacitymap = \"o.bmp\"",
-                                               " bumpmap = \"b c.bmp\"",
-                                               "}",
-                                               "",
-                                               "material \"None\"",
-                                               "{",
-                                               "}",
-                                               "",
-                                               "bone \"Thigh07\"",
-                                               "{",
-                                               " position = (0.5,-1.25,3)",
-                                               " rotation = (0,0,1E-07)",
-                                               "}",
-                                               "",
-                                               "bone \"$j$Hip02\"",
-                                               "{",
-                                               " position = (0,0,0)",
-                                               " rotation = (0,0,0)",
-                                               " mass = 3",
-                                               "\tlimit = \"a\"",
-                                               "",
-                                               "}",
-                                               "",
-                                               "skin \"Beast\"",
-                                               "{",
-                                               " m = \"Bark\"",
-                                               " m = \"other\"",
-                                               " v = (0,0,0),7",
-                                               " v = (1,0.3333333,1234568),7",
-                                               " v = (0,1,0),-1",
-                                               " t = (0,-0.5)",
-                                               " t = (1,0)",
-                                               " n = (0,0,1)",
-                                               " f = (1,2,3),(4,5,6),(7,8,9),1",
-                                               " f = (-1,32767,-32768),(0,0,0),(0,0,0),-3",
-                                               "}",
-                                               "",
-                                               "skin \"Beast$sh\"",
-                                               "{",
-                                               " v = (0,0,0),2",
-                                               "}",
-                                               "",
-                                               "mesh \"$head\"",
-                                               "{",
-                                               " v = (0,0,0)",
-                                               "}",
-                                               "",
-                                               "instance \"Beast\"",
-                                               "{",
-                                               " mesh = \"Beast\"",
-                                               " position = (1,2,3)",
-                                               " rotation = (0,0,0)",
-                                               " scale = 0.25",
-                                               "}",
-                                               ""});
+    const std::string text =
+        fileInfo +
+        Lines("material \"Bark\"|{| colormap = \"Bark.bmp\"|}||"
+              "material \"\xC4\"|{| opacitymap = \"o.bmp\"| bumpmap = \"b c.bmp\"|}||"
+              "material \"None\"|{|}||"
+              "bone \"Thigh07\"|{| position = (0.5,-1.25,3)| rotation = (0,0,1E-07)|}||"
+              "bone \"$j$Hip02\"|{| position = (0,0,0)| rotation = (0,0,0)| mass = 3|\tlimit = \"a\"||}||"
+              "skin \"Beast\"|{| m = \"Bark\"| m = \"other\"|"
+              " v = (0,0,0),7| v = (1,0.3333333,1234568),7| v = (0,1,0),-1| t = (0,-0.5)| t = (1,0)| n = (0,0,1)|"
+              " f = (1,2,3),(4,5,6),(7,8,9),1| f = (-1,32767,-32768),(0,0,0),(0,0,0),-3|}||"
+              "skin \"Beast$sh\"|{| v = (0,0,0),2|}||"
+              "mesh \"$head\"|{| v = (0,0,0)|}||"
+              "instance \"Beast\"|{| mesh = \"Beast\"| position = (1,2,3)| rotation = (0,0,0)| scale = 0.25|}||");
     ASSERT_TRUE(Load(text));
     EXPECT_EQ(Bones[1].Position.Y, 3);
     EXPECT_EQ(Bones[1].Position.Z, 1.25F);
@@ -103,12 +51,12 @@ TEST_F(WriteModel, WritesAnEmptySceneAsItsFileInfo)
 TEST_F(WriteModel, SettlesAfterOneRoundTrip)
 {
     const struct {
-        const char* What;
-        std::string Source, Written;
+        const char *What, *Source, *Written;
     } cases[] = {
         {"order of sections", "instance I\rbone B\rmaterial M\r",
-         "material \"M\"|{|}||bone \"B\"|{| position = (0,0,0)| rotation = (0,0,0)|}||instance \"I\"|{| mesh = \"\"| "
-         "position = (0,0,0)| rotation = (0,0,0)| scale = 0|}||"},
+         "material \"M\"|{|}||"
+         "bone \"B\"|{| position = (0,0,0)| rotation = (0,0,0)|}||"
+         "instance \"I\"|{| mesh = \"\"| position = (0,0,0)| rotation = (0,0,0)| scale = 0|}||"},
         {"format version", "fileinfo\r{\rformatversion = 7\rauthor = x\r}\r", ""},
         {"unknown keys and blocks, text between blocks",
          "hello\rmaterial M\r{\rshine = 1\r}\rother x\r{\rcolormap = a\r}\rbye\r",
@@ -122,20 +70,15 @@ TEST_F(WriteModel, SettlesAfterOneRoundTrip)
          "mesh \"$\"\r{\rf = 1,2,3\rm = a\rf = 1,2,3,4,5,6,7,8,9,2\r}\rmesh M",
          "mesh \"$\"|{| m = \"a\"| f = (1,2,3),(0,0,0),(0,0,0),0| f = (1,2,3),(4,5,6),(7,8,9),0|}||mesh \"M\"|{|}||"},
         {"skins without a role, joint numbers from the last bone",
-         "skin A\r{\rv = (0,0,0),7\r}\rskin B\r{\rv = (0,0,0),7\rv = (0,0,0),8\rv = (0,0,0)\r}\rbone x07\rbone "
-         "y07\rbone e\r",
-         "bone \"x07\"|{| position = (0,0,0)| rotation = (0,0,0)|}||bone \"y07\"|{| position = (0,0,0)| rotation = "
-         "(0,0,0)|}||bone \"e\"|{| position = (0,0,0)| rotation = (0,0,0)|}||mesh \"A\"|{| v = (0,0,0)|}||skin "
-         "\"B\"|{| v = "
-         "(0,0,0),7| v = (0,0,0),-1| v = (0,0,0),0|}||"},
-        {"a single mesh becomes the skin", "mesh M\r{\rv = (0,0,0)\r}\r", "skin \"M\"|{| v = (0,0,0),-1|}||"},
-    };
+         "skin A\r{\rv = (0,0,0),7\r}\rskin B\r{\rv = (0,0,0),7\rv = (0,0,0),8\rv = (0,0,0)\r}\r"
+         "bone x07\rbone y07\rbone e\r",
+         "bone \"x07\"|{| position = (0,0,0)| rotation = (0,0,0)|}||"
+         "bone \"y07\"|{| position = (0,0,0)| rotation = (0,0,0)|}||"
+         "bone \"e\"|{| position = (0,0,0)| rotation = (0,0,0)|}||"
+         "mesh \"A\"|{| v = (0,0,0)|}||skin \"B\"|{| v = (0,0,0),7| v = (0,0,0),-1| v = (0,0,0),0|}||"},
+        {"a single mesh becomes the skin", "mesh M\r{\rv = (0,0,0)\r}\r", "skin \"M\"|{| v = (0,0,0),-1|}||"}};
     for (const auto& row : cases) {
-        std::string expected = row.Written;
-        for (size_t at = 0; (at = expected.find('|', at)) != std::string::npos; at += 2) {
-            expected.replace(at, 1, "\r\n");
-        }
-        expected.insert(0, fileInfo);
+        const std::string expected = fileInfo + Lines(row.Written);
         ASSERT_TRUE(LoadAnew(row.Source)) << row.What;
         EXPECT_EQ(ModelText(), expected) << row.What;
         ASSERT_TRUE(LoadAnew(expected)) << row.What;
@@ -183,15 +126,14 @@ TEST_F(WriteModel, WritesNumbersThatCanBeReadAgain)
 
 TEST_F(WriteModel, DoesNotDependOnTheLocale)
 {
-    const TempFolder folder;
     // A locale with a decimal comma made on the spot, since machines differ in those that they have.
-    PutFile(folder / "source", "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3;3\nEND LC_NUMERIC\n");
+    PutFile(Folder / "source", "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3;3\nEND LC_NUMERIC\n");
     const std::string make =
-        "localedef -c -i " + (folder / "source") + " " + (folder / "comma") + " >" + (folder / "log");
+        "localedef -c -i " + (Folder / "source") + " " + (Folder / "comma") + " >" + (Folder / "log");
     (void)!std::system((make + " 2>&1").c_str()); // it tells of all that the source does not name
-    setenv("LOCPATH", folder.Path.c_str(), 1);
+    setenv("LOCPATH", Folder.Path.c_str(), 1);
     const std::string before = std::setlocale(LC_ALL, nullptr);
-    ASSERT_NE(std::setlocale(LC_NUMERIC, "comma"), nullptr) << Content(folder / "log");
+    ASSERT_NE(std::setlocale(LC_NUMERIC, "comma"), nullptr) << Content(Folder / "log");
     ASSERT_STREQ(std::localeconv()->decimal_point, ",");
     ASSERT_TRUE(Load("bone B\r{\rposition=(0.5,1.5,2,5)\r}"));
     EXPECT_NE(ModelText().find("(0.5,1.5,2)"), std::string::npos);
