@@ -1,12 +1,6 @@
-#include <cctype>
-#include <filesystem>
-#include <fstream>
-#include <gtest/gtest.h>
-#include <iterator>
 #include <regex>
-#include <set>
-#include <string>
-#include <vector>
+
+#include "app/source_tree.h"
 
 // What the documents name has to be there: files, folders, names of the code, targets, presets, menu entries.
 
@@ -14,15 +8,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path root = SOURCE_FOLDER;
 const std::vector<std::string> documents = {"README.md", "CONTRIBUTING.md", "docs/architecture.md", "docs/formats.md"};
-
-std::string TextOf(const fs::path& file)
-{
-    std::ifstream in(file, std::ios::binary);
-    EXPECT_TRUE(in) << file;
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
 
 /// The first group of every match.
 std::vector<std::string> Matches(const std::string& text, const char* pattern)
@@ -44,10 +30,8 @@ std::string Manual()
 std::set<std::string> FileNames()
 {
     std::set<std::string> names;
-    for (const char* folder : {"src", "tests", "bench", "fuzz"}) {
-        for (const auto& entry : fs::recursive_directory_iterator(root / folder)) {
-            names.insert(entry.path().filename().string());
-        }
+    for (const fs::path& path : FilesBelow({"src", "tests", "bench", "fuzz"})) {
+        names.insert(path.filename().string());
     }
     return names;
 }
@@ -56,30 +40,14 @@ std::set<std::string> FileNames()
 std::set<std::string> NamesOfTheCode()
 {
     std::set<std::string> names;
-    const auto collect = [&names](const fs::path& file) {
-        std::string name;
-        for (const char letter : TextOf(file) + " ") {
-            if (std::isalnum(static_cast<unsigned char>(letter)) != 0 || letter == '_') {
-                name += letter;
-            } else {
-                names.insert(name);
-                name.clear();
-            }
-        }
-    };
-    const fs::path self = "test_documents.cpp";
-    for (const char* folder : {"src", "tests", "bench", "fuzz", "scripts"}) {
-        for (const auto& entry : fs::recursive_directory_iterator(root / folder)) {
-            if (entry.is_regular_file() && entry.path().filename() != self) {
-                collect(entry.path());
-            }
+    std::vector<fs::path> files = FilesBelow({"src", "tests", "bench", "fuzz", "scripts"});
+    files.insert(files.end(), {root / "CMakeLists.txt", root / "CMakePresets.json"});
+    for (const fs::path& path : files) {
+        names.insert(path.stem().string());
+        if (path.filename() != "test_documents.cpp") {
+            names.merge(WordsOf(TextOf(path)));
         }
     }
-    for (const std::string& file : FileNames()) {
-        names.insert(file.substr(0, file.find('.')));
-    }
-    collect(root / "CMakeLists.txt");
-    collect(root / "CMakePresets.json");
     return names;
 }
 

@@ -1,10 +1,7 @@
-#include <filesystem>
-#include <fstream>
-#include <gtest/gtest.h>
 #include <map>
-#include <set>
-#include <string>
-#include <vector>
+#include <sstream>
+
+#include "app/source_tree.h"
 
 // The order of the layers, read from the source itself.
 
@@ -34,56 +31,25 @@ Layer LayerOf(const std::string& name)
     return (folder == "render" || folder == "interaction") && !coreParts ? Layer::Render : Layer::Core;
 }
 
-/// What a line includes between two marks; empty when it includes nothing so.
-std::string Included(const std::string& line, char from, char to)
-{
-    if (!line.starts_with("#include ")) {
-        return {};
-    }
-    const size_t start = line.find(from);
-    const size_t end = line.rfind(to);
-    return start < end && end != std::string::npos ? line.substr(start + 1, end - start - 1) : std::string();
-}
-
-/// Whatever looks like an identifier, in texts and comments too.
-std::set<std::string> WordsOf(const std::string& text)
-{
-    std::set<std::string> words;
-    std::string word;
-    for (const char letter : text + " ") {
-        const bool part = (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
-                          (letter >= '0' && letter <= '9') || letter == '_';
-        if (part) {
-            word += letter;
-        } else if (!word.empty()) {
-            words.insert(word);
-            word.clear();
-        }
-    }
-    return words;
-}
-
 std::map<std::string, Source> ReadSources()
 {
-    namespace fs = std::filesystem;
-    const fs::path root = fs::path(SOURCE_FOLDER) / "src";
     std::map<std::string, Source> sources;
-    for (const auto& entry : fs::recursive_directory_iterator(root)) {
-        const std::string extension = entry.path().extension().string();
-        if (extension != ".cpp" && extension != ".h") {
+    for (const std::filesystem::path& path : FilesBelow({"src"})) {
+        if (path.extension() != ".cpp" && path.extension() != ".h") {
             continue;
         }
-        const std::string name = fs::relative(entry.path(), root).generic_string();
+        const std::string name = path.lexically_relative(root / "src").generic_string();
         Source& source = sources[name];
         source.Level = LayerOf(name);
-        std::ifstream file(entry.path());
-        for (std::string line; std::getline(file, line);) {
-            if (std::string header = Included(line, '"', '"'); !header.empty()) {
-                source.Quoted.push_back(header);
-            } else if (header = Included(line, '<', '>'); !header.empty()) {
-                source.Angled.push_back(header);
+        source.Text = TextOf(path);
+        std::istringstream lines(source.Text);
+        const size_t start = std::string("#include ?").size();
+        for (std::string line; std::getline(lines, line);) {
+            if (line.starts_with("#include \"")) {
+                source.Quoted.push_back(line.substr(start, line.find('"', start) - start));
+            } else if (line.starts_with("#include <")) {
+                source.Angled.push_back(line.substr(start, line.find('>') - start));
             }
-            source.Text += line + "\n";
         }
     }
     return sources;
@@ -93,11 +59,6 @@ bool IsQt(const std::string& header)
 {
     const bool ofClass = header.size() > 1 && header[0] == 'Q' && header[1] >= 'A' && header[1] <= 'Z';
     return ofClass || header.starts_with("Qt") || header.starts_with("qt") || header.starts_with("qpa/");
-}
-
-bool IsGL(const std::string& header)
-{
-    return header.starts_with("GL/");
 }
 
 bool IsPosix(const std::string& header)
@@ -139,7 +100,8 @@ TEST(Layers, IncludesPointDownwards)
             }
             for (const std::string& header : reached.Angled) {
                 EXPECT_TRUE(source.Level == Layer::Window || !IsQt(header)) << name << " reaches " << header;
-                EXPECT_TRUE(source.Level >= Layer::Render || !IsGL(header)) << name << " reaches " << header;
+                EXPECT_TRUE(source.Level >= Layer::Render || !header.starts_with("GL/"))
+                    << name << " reaches " << header;
                 EXPECT_TRUE(reachedName.starts_with("platform/") || !IsPosix(header)) << name << " reaches " << header;
                 EXPECT_TRUE(source.Level != Layer::Core || !IsPosix(header)) << name << " reaches " << header;
             }
