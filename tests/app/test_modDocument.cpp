@@ -1,9 +1,7 @@
 #include "app/modDocument.h"
 
 #include <csignal>
-#include <functional>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <iostream>
 #include <random>
 #include <sched.h>
@@ -13,11 +11,11 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 #include "app/modMvmDef.h"
 #include "model/modMvmWrite.h"
-#include "support/scripted.h"
-#include "support/temp_folder.h"
+#include "support/fresh.h"
 #include "weights/modWeights.h"
 
 using testing::ElementsAre;
@@ -29,17 +27,20 @@ namespace {
 
 constexpr const char* oldContent = "the old content";
 
-class Document : public testing::Test {
+class Document : public FreshFolder {
 protected:
-    void SetUp() override
+    void SetUp() override { Bones.Add().Name = "Spine01"; }
+
+    /// Saves; gives the one message that tells of it and takes it away, "" for none.
+    static std::string Told(bool good, const std::string& path, BoxIcon icon = BoxIcon::Stop)
     {
-        scripted::Reset();
-        Bones.Add().Name = "Spine01";
+        EXPECT_EQ(SaveModelFile(path), good);
+        const std::vector<scripted::Box> boxes = std::exchange(scripted::Messages, {});
+        EXPECT_TRUE(boxes.empty() || (boxes.size() == 1 && boxes[0].Icon == icon));
+        return boxes.empty() ? "" : boxes[0].Text;
     }
 
-    static std::string Message() { return scripted::Messages.size() == 1 ? scripted::Messages[0].Text : "(not one)"; }
-
-    TempFolder Folder;
+    const std::string Path = Folder / "a.mvm";
 };
 
 /// Saves with every step failing in turn until a run reaches no failure. Each time the name must hold one whole content
@@ -128,16 +129,14 @@ TEST_F(Document, TheCaptionHasTheVersionAndThePath)
 
 TEST_F(Document, ASaveReplacesTheFileAndTheGuard)
 {
-    const std::string path = Folder / "a.mvm";
-    ASSERT_TRUE(SaveModelFile(path));
-    EXPECT_EQ(Content(path), ModelText());
-    PutFile(path + ".old", "of the user");
+    EXPECT_EQ(Told(true, Path), "");
+    EXPECT_EQ(Content(Path), ModelText());
+    PutFile(Path + ".old", "of the user");
     Bones[1].Name = "Tail02";
-    ASSERT_TRUE(SaveModelFile(path));
-    EXPECT_EQ(Content(path), ModelText());
-    EXPECT_THAT(Content(path), HasSubstr("Tail02"));
+    EXPECT_EQ(Told(true, Path), "");
+    EXPECT_EQ(Content(Path), ModelText());
+    EXPECT_THAT(Content(Path), HasSubstr("Tail02"));
     EXPECT_THAT(Folder.Names(), ElementsAre("a.mvm"));
-    EXPECT_TRUE(scripted::Messages.empty());
 }
 
 TEST_F(Document, EveryFailureOfASaveLeavesOneWholeContent)
@@ -152,13 +151,12 @@ TEST_F(Document, EveryFailureOfASaveLeavesOneWholeContent)
 
 TEST_F(Document, AKilledSaveLeavesOneWholeContent)
 {
-    const std::string path = Folder / "a.mvm";
     std::set<std::string> contents;
     for (const int32_t bones : {1, 4000}) {
         Bones.Items.resize(static_cast<size_t>(bones));
         contents.insert(ModelText());
     }
-    ASSERT_TRUE(SaveModelFile(path));
+    ASSERT_TRUE(SaveModelFile(Path));
     std::minstd_rand random(7);
     for (int round = 0; round < 25; ++round) {
         const pid_t child = fork();
@@ -166,20 +164,20 @@ TEST_F(Document, AKilledSaveLeavesOneWholeContent)
         if (child == 0) {
             for (;;) {
                 Bones.Items.resize(Bones.Count() == 1 ? 4000 : 1);
-                SaveModelFile(path);
+                SaveModelFile(Path);
             }
         }
         usleep(static_cast<useconds_t>(random() % 5000));
         ASSERT_EQ(kill(child, SIGKILL), 0);
         ASSERT_EQ(waitpid(child, nullptr, 0), child);
-        EXPECT_TRUE(contents.contains(Content(path))) << round;
-        const std::string guard = Content(path + ".old");
+        EXPECT_TRUE(contents.contains(Content(Path))) << round;
+        const std::string guard = Content(Path + ".old");
         EXPECT_TRUE(guard == "(none)" || contents.contains(guard)) << round;
     }
     // What a killed save left does not hinder the next one.
-    EXPECT_TRUE(SaveModelFile(path));
-    EXPECT_EQ(Content(path), ModelText());
-    EXPECT_FALSE(std::filesystem::exists(path + ".old"));
+    EXPECT_TRUE(SaveModelFile(Path));
+    EXPECT_EQ(Content(Path), ModelText());
+    EXPECT_FALSE(std::filesystem::exists(Path + ".old"));
 }
 
 TEST_F(Document, AFullDiskKeepsTheOldFilesAndIsTold)
@@ -187,7 +185,7 @@ TEST_F(Document, AFullDiskKeepsTheOldFilesAndIsTold)
     Apart([this] {
         const bool disk = MountSmallDisk(Folder.Path);
         const std::string old(20'000, 'o');
-        PutFile(Folder / "a.mvm", old);
+        PutFile(Path, old);
         PutFile(Folder / "a.wif", old);
         if (!disk) {
             LimitFileSize(20'000);
@@ -195,16 +193,13 @@ TEST_F(Document, AFullDiskKeepsTheOldFilesAndIsTold)
         Bones.Items.resize(1000);
         Meshes.Add().Vertices.Items.resize(4000);
         MakeSkin(1);
-        EXPECT_FALSE(SaveModelFile(Folder / "a.mvm"));
-        EXPECT_FALSE(SaveModelFile(Folder / "new.mvm"));
+        const auto full = testing::EndsWith(disk ? "\nNo space left on device" : "\nFile too large");
+        EXPECT_THAT(Told(false, Path), full);
+        EXPECT_THAT(Told(false, Folder / "new.mvm"), full);
         SaveWeights(Folder / "a.wif", 1);
-        ASSERT_EQ(scripted::Messages.size(), 3U);
-        const char* const words = disk ? "\nNo space left on device" : "\nFile too large";
-        for (const scripted::Box& box : scripted::Messages) {
-            EXPECT_THAT(box.Text, testing::EndsWith(words));
-            EXPECT_EQ(box.Icon, BoxIcon::Stop);
-        }
-        EXPECT_EQ(Content(Folder / "a.mvm"), old);
+        ASSERT_EQ(scripted::Messages.size(), 1U);
+        EXPECT_THAT(scripted::Messages[0].Text, full);
+        EXPECT_EQ(Content(Path), old);
         EXPECT_EQ(Content(Folder / "a.wif"), old);
         EXPECT_THAT(Folder.Names(), UnorderedElementsAre("a.mvm", "a.wif"));
     });
@@ -212,83 +207,56 @@ TEST_F(Document, AFullDiskKeepsTheOldFilesAndIsTold)
 
 TEST_F(Document, AFolderOrADiskThatTakesNothingKeepsItsFilesAndIsTold)
 {
-    PutFile(Folder / "a.mvm", oldContent);
-    ASSERT_EQ(chmod((Folder / "a.mvm").c_str(), 0666), 0);
-    const auto save = [this](const std::string& words) {
-        scripted::Messages.clear();
-        EXPECT_FALSE(SaveModelFile(Folder / "a.mvm"));
-        EXPECT_EQ(Message(), words);
-        scripted::Messages.clear();
-        EXPECT_FALSE(SaveModelFile(Folder / "new.mvm"));
-        EXPECT_THAT(Message(), HasSubstr("Runtime error in WriteMVM\n"));
-        EXPECT_EQ(Content(Folder / "a.mvm"), oldContent);
+    PutFile(Path, oldContent);
+    ASSERT_EQ(chmod(Path.c_str(), 0666), 0);
+    const auto save = [this](const std::string& words, BoxIcon icon) {
+        EXPECT_EQ(Told(false, Path, icon), words);
+        EXPECT_THAT(Told(false, Folder / "new.mvm"), HasSubstr("Runtime error in WriteMVM\n"));
+        EXPECT_EQ(Content(Path), oldContent);
         EXPECT_THAT(Folder.Names(), ElementsAre("a.mvm"));
     };
     Apart([&] {
         ASSERT_EQ(chmod(Folder.Path.c_str(), 0555), 0);
         ASSERT_TRUE(getuid() != 0 || setuid(65534) == 0);
-        save("Can't make a safety copy of the file.\nPermission denied");
+        save("Can't make a safety copy of the file.\nPermission denied", BoxIcon::Stop);
     });
     ASSERT_EQ(chmod(Folder.Path.c_str(), 0755), 0);
     Apart([&] {
         if (MountSmallDisk(Folder.Path)) {
-            PutFile(Folder / "a.mvm", oldContent);
+            PutFile(Path, oldContent);
             ASSERT_EQ(mount("", Folder.Path.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr), 0);
-            save("Can't overwrite file.\nFile is marked read only.");
+            save("Can't overwrite file.\nFile is marked read only.", BoxIcon::Warning);
         }
     });
 }
 
 TEST_F(Document, AGuardThatStaysIsToldAfterAGoodSave)
 {
-    const std::string path = Folder / "a.mvm";
-    PutFile(path, oldContent);
-    ASSERT_TRUE(SaveModelFile(path));
-    const int steps = scripted::Steps;
-    PutFile(path, oldContent);
-    scripted::Steps = 0;
-    scripted::FailAt = steps;
+    PutFile(Path, oldContent);
+    ASSERT_TRUE(SaveModelFile(Path));
+    PutFile(Path, oldContent);
+    scripted::FailAt = std::exchange(scripted::Steps, 0);
     scripted::FailError = EACCES;
-    EXPECT_TRUE(SaveModelFile(path));
-    EXPECT_EQ(Content(path), ModelText());
-    EXPECT_EQ(Message(), "Can't delete the safety copy \"" + path + ".old\".\nPermission denied");
-    EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Warning);
+    EXPECT_EQ(Told(true, Path, BoxIcon::Warning),
+              "Can't delete the safety copy \"" + Path + ".old\".\nPermission denied");
+    EXPECT_EQ(Content(Path), ModelText());
 }
 
-TEST_F(Document, AReadOnlyFileIsLeftAlone)
+TEST_F(Document, WhatCannotBeReplacedIsLeftAlone)
 {
-    const std::string path = Folder / "a.mvm";
-    PutFile(path, oldContent);
-    ASSERT_EQ(chmod(path.c_str(), 0444), 0);
-    EXPECT_FALSE(SaveModelFile(path));
-    EXPECT_EQ(Message(), "Can't overwrite file.\nFile is marked read only.");
-    EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Warning);
-    EXPECT_EQ(Content(path), oldContent);
+    EXPECT_EQ(Told(false, Folder.Path), "Runtime error in WriteMVM\nIs a directory");
+    EXPECT_EQ(Told(false, "/dev/full"), "Runtime error in WriteMVM\nNot a regular file");
+    EXPECT_EQ(Told(false, Folder / "none/a.mvm"), "Runtime error in WriteMVM\nNo such file or directory");
+
+    PutFile(Path, oldContent);
+    std::filesystem::create_directory(Path + ".old");
+    EXPECT_EQ(Told(false, Path), "Can't make a safety copy of the file.\nIs a directory");
+
+    ASSERT_EQ(chmod(Path.c_str(), 0444), 0);
+    scripted::Steps = 0;
+    EXPECT_EQ(Told(false, Path, BoxIcon::Warning), "Can't overwrite file.\nFile is marked read only.");
     EXPECT_EQ(scripted::Steps, 0);
-    EXPECT_THAT(Folder.Names(), ElementsAre("a.mvm"));
-}
-
-TEST_F(Document, TargetsThatAreNoFilesAreRefused)
-{
-    EXPECT_FALSE(SaveModelFile(Folder.Path));
-    EXPECT_EQ(Message(), "Runtime error in WriteMVM\nIs a directory");
-    scripted::Messages.clear();
-    EXPECT_FALSE(SaveModelFile("/dev/full"));
-    EXPECT_EQ(Message(), "Runtime error in WriteMVM\nNot a regular file");
-    scripted::Messages.clear();
-    EXPECT_FALSE(SaveModelFile(Folder / "none/a.mvm"));
-    EXPECT_EQ(Message(), "Runtime error in WriteMVM\nNo such file or directory");
-}
-
-TEST_F(Document, AFolderInThePlaceOfTheGuardStopsTheSave)
-{
-    const std::string path = Folder / "a.mvm";
-    PutFile(path, oldContent);
-    std::filesystem::create_directory(path + ".old");
-    EXPECT_FALSE(SaveModelFile(path));
-    EXPECT_EQ(Message(), "Can't make a safety copy of the file.\nIs a directory");
-    EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Stop);
-    EXPECT_EQ(Content(path), oldContent);
+    EXPECT_EQ(Content(Path), oldContent);
     EXPECT_THAT(Folder.Names(), ElementsAre("a.mvm", "a.mvm.old"));
 }
 
@@ -296,9 +264,9 @@ TEST_F(Document, ASaveGoesThroughALinkAndKeepsHiddenFilesWhole)
 {
     std::filesystem::create_directory(Folder / "sub");
     PutFile(Folder / "sub/real.mvm", oldContent);
-    std::filesystem::create_symlink("sub/real.mvm", Folder / "a.mvm");
-    ASSERT_TRUE(SaveModelFile(Folder / "a.mvm"));
-    EXPECT_TRUE(std::filesystem::is_symlink(Folder / "a.mvm"));
+    std::filesystem::create_symlink("sub/real.mvm", Path);
+    ASSERT_TRUE(SaveModelFile(Path));
+    EXPECT_TRUE(std::filesystem::is_symlink(Path));
     EXPECT_EQ(Content(Folder / "sub/real.mvm"), ModelText());
     EXPECT_THAT(Folder.Names(), UnorderedElementsAre("a.mvm", "sub"));
 
