@@ -1,46 +1,30 @@
 #include "app/modMisc.h"
 
-#include <gtest/gtest.h>
+#include "support/fresh.h"
 
-#include "support/scripted.h"
-#include "support/temp_folder.h"
+using Misc = FreshFolder;
 
-TEST(Misc, AFileExistsWhenItIsPlainAndNotHidden)
+TEST_F(Misc, AFileExistsWhenItIsPlainAndNotHidden)
 {
-    const TempFolder folder;
-    PutFile(folder / "a.mvm", "");
-    PutFile(folder / ".hidden.mvm", "");
-    std::filesystem::create_directory(folder / "sub.mvm");
-    std::filesystem::create_directory(folder / ".sub");
-    PutFile(folder / ".sub/b.mvm", "");
-    std::filesystem::create_symlink("a.mvm", folder / "link.mvm");
-    std::filesystem::create_symlink("none", folder / "broken.mvm");
-    struct Case {
-        std::string Path;
-        bool Exists;
-    };
-    const Case cases[] = {
-        {folder / "a.mvm", true},
-        {folder / "link.mvm", true},
-        {folder / ".sub/b.mvm", true},
-        {folder / "none.mvm", false},
-        {folder / "broken.mvm", false},
-        {folder / ".hidden.mvm", false},
-        {folder / "sub.mvm", false},
-        {folder.Path, false},
-        {folder / "a.mvm/", false},
-        {"/dev/null", false},
-        {"", false},
-        {folder / "a.mvm" + std::string(1, '\0'), false},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(FileExists(c.Path), c.Exists) << c.Path;
+    PutFile(Folder / "a.mvm", "");
+    PutFile(Folder / ".hidden.mvm", "");
+    std::filesystem::create_directory(Folder / "sub.mvm");
+    std::filesystem::create_directory(Folder / ".sub");
+    PutFile(Folder / ".sub/b.mvm", "");
+    std::filesystem::create_symlink("a.mvm", Folder / "link.mvm");
+    std::filesystem::create_symlink("none", Folder / "broken.mvm");
+    for (const std::string& path : {Folder / "a.mvm", Folder / "link.mvm", Folder / ".sub/b.mvm"}) {
+        EXPECT_TRUE(FileExists(path)) << path;
+    }
+    for (const std::string& path :
+         {Folder / "none.mvm", Folder / "broken.mvm", Folder / ".hidden.mvm", Folder / "sub.mvm", Folder.Path,
+          Folder / "a.mvm/", std::string("/dev/null"), std::string(), Folder / "a.mvm" + std::string(1, '\0')}) {
+        EXPECT_FALSE(FileExists(path)) << path;
     }
 }
 
-TEST(Misc, NumbersAreShownWithTheMarkOfTheLocale)
+TEST_F(Misc, NumbersAreShownWithTheMarkOfTheLocale)
 {
-    scripted::Reset();
     EXPECT_EQ(FloatToLocaleText(-1.25F), "-1.25");
     scripted::DecimalMark = ",";
     EXPECT_EQ(FloatToLocaleText(-1.25F), "-1,25");
