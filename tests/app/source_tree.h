@@ -1,7 +1,7 @@
 #pragma once
 
 #include <filesystem>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <initializer_list>
 #include <set>
 #include <string>

@@ -1,7 +1,5 @@
 #include "render/modBitmap.h"
 
-#include <gmock/gmock.h>
-
 #include "support/bmp.h"
 #include "support/fresh.h"
 

@@ -1,7 +1,6 @@
 #include "app/modDocument.h"
 
 #include <csignal>
-#include <gmock/gmock.h>
 #include <iostream>
 #include <random>
 #include <sched.h>

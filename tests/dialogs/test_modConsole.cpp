@@ -1,7 +1,5 @@
 #include "interaction/modConsole.h"
 
-#include <gmock/gmock.h>
-
 #include "interaction/modCamera.h"
 #include "support/fresh.h"
 #include "weights/modBoneAlias.h"

@@ -1,7 +1,5 @@
 #include "dialogs/modReports.h"
 
-#include <gmock/gmock.h>
-
 #include "app/modMvmDef.h"
 #include "support/fresh.h"
 

@@ -9,18 +9,16 @@ namespace {
 
 using testing::ElementsAre;
 
-class VerifyModel : public ModelFile {
-protected:
-    /// A scene of these bones, loaded.
-    static std::string BoneBlocks(const std::vector<std::string>& names)
-    {
-        std::string text;
-        for (const std::string& name : names) {
-            text += "bone \"" + name + "\" {\r\n}\r\n";
-        }
-        return text;
+class VerifyModel : public ModelFile {};
+
+std::string BoneBlocks(const std::vector<std::string>& names)
+{
+    std::string text;
+    for (const std::string& name : names) {
+        text += "bone \"" + name + "\" {\r\n}\r\n";
     }
-};
+    return text;
+}
 
 /// Binding as a plain walk over all bones for each vertex.
 std::vector<int16_t> PlainBinding(const MvmMesh& mesh, bool toOrdinary, bool toShadow)
@@ -88,13 +86,8 @@ TEST_F(VerifyModel, WorksOutRolesFromNames)
         Load(BoneBlocks({"A01", "$J$B01"}) +
              Lines("mesh \"head\"|skin \"S1\" {|v = (0,0,0),1|}|skin \"S$h\" {|v = (0,0,0),1|}|"
                    "mesh \"my$HEADbody\"|mesh \"$Tail\"|mesh \"$tail2\"|skin \"S2\" {|v=(0,0,0),1|}|mesh \"$\"|")));
-    EXPECT_EQ(SkinMesh, 7);
-    EXPECT_EQ(ShadowMesh, 3);
-    EXPECT_EQ(HeadMesh, 4);
-    EXPECT_EQ(BodyMesh, 4);
-    EXPECT_EQ(TailMesh, 6);
-    EXPECT_FALSE(Bones[1].IsShadow);
-    EXPECT_TRUE(Bones[2].IsShadow);
+    EXPECT_THAT((std::array{SkinMesh, ShadowMesh, HeadMesh, BodyMesh, TailMesh}), ElementsAre(7, 3, 4, 4, 6));
+    EXPECT_TRUE(!Bones[1].IsShadow && Bones[2].IsShadow);
     EXPECT_EQ(Meshes[2].VertexBones[1], 1); // bound while it held the role
     EXPECT_EQ(Meshes[3].VertexBones[1], 2);
     EXPECT_EQ(Meshes[7].VertexBones[1], 1);
@@ -134,9 +127,7 @@ TEST_F(VerifyModel, FindsTheLastMaterialOfAName)
 {
     ASSERT_TRUE(Load(Lines("mesh \"M\" {|m = A|m = \"B\"|m = a|m = C|}|material \"A\"|material B|material \"A\"|")));
     const auto& list = Meshes[1].MeshMaterials;
-    EXPECT_EQ(list[1].Index, 3);
-    EXPECT_EQ(list[2].Index, 2);
-    EXPECT_EQ(list[3].Index, 0);
+    EXPECT_THAT((std::array{list[1].Index, list[2].Index, list[3].Index}), ElementsAre(3, 2, 0));
     Meshes[1].MeshMaterials[4].Index = 2;
     VerifyMeshes();
     EXPECT_EQ(list[4].Index, 2); // without a match it stays

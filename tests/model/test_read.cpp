@@ -141,20 +141,20 @@ TEST_F(ReadModel, StopsAtAFailureAndKeepsWhatWasRead)
                                  "|m = late|}|bone \"late\"|")),
                   good)
             << row.Line;
-        EXPECT_EQ(Meshes[1].FaceCount(), row.Faces) << row.Line;
-        EXPECT_EQ(Meshes[1].VertexCount(), row.Vertices) << row.Line;
-        EXPECT_EQ(Meshes[1].VertexBones.Count(), row.Vertices) << row.Line;
-        EXPECT_EQ(Meshes[1].VertexJoints.Count(), row.Vertices) << row.Line;
-        EXPECT_EQ(Meshes[1].MeshMaterialCount(), good ? 1 : 0) << row.Line;
+        const MvmMesh& mesh = Meshes[1];
+        EXPECT_EQ(mesh.FaceCount(), row.Faces) << row.Line;
+        for (const int32_t count : {mesh.VertexCount(), mesh.VertexBones.Count(), mesh.VertexJoints.Count()}) {
+            EXPECT_EQ(count, row.Vertices) << row.Line;
+        }
+        EXPECT_EQ(mesh.MeshMaterialCount(), good ? 1 : 0) << row.Line;
         EXPECT_EQ(BoneCount(), good ? 2 : 1);
         EXPECT_EQ(Bones[1].IsShadow, good);
         EXPECT_EQ(SkinMesh, good ? 1 : 0);
         EXPECT_EQ(scripted::Panel("toolhelp"), good ? "Ready..." : "Loading geometry...");
         EXPECT_FALSE(LoadRunning);
         if (!good) {
-            ASSERT_EQ(scripted::Messages.size(), 1U);
-            EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Stop);
-            EXPECT_THAT(LastMessage(), StartsWith("Runtime error in LoadMVM\nLine 6: "));
+            const auto failure = IsBox(BoxIcon::Stop, StartsWith("Runtime error in LoadMVM\nLine 6: "));
+            EXPECT_THAT(scripted::Messages, ElementsAre(failure));
         }
     }
     ASSERT_FALSE(LoadAnew(Lines("instance \"I\" {||scale = 1E39|")));
@@ -167,8 +167,8 @@ TEST_F(ReadModel, ReportsPathsThatCannotBeRead)
     for (const std::string& path : {std::string(), Folder / "none.mvm", Folder.Path, std::string("/dev/zero")}) {
         scripted::Reset();
         EXPECT_FALSE(LoadMVM(path)) << path;
-        ASSERT_EQ(scripted::Messages.size(), 1U) << path;
-        EXPECT_THAT(LastMessage(), testing::MatchesRegex("Runtime error in LoadMVM\n.+"));
+        const auto failure = IsBox(BoxIcon::Stop, testing::MatchesRegex("Runtime error in LoadMVM\n.+"));
+        EXPECT_THAT(scripted::Messages, ElementsAre(failure));
         EXPECT_FALSE(LoadRunning);
     }
 }

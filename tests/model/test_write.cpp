@@ -146,8 +146,7 @@ TEST_F(WriteModel, ReportsAFailureAndLeavesTheSceneAlone)
 {
     Bones.Add().Name = "B";
     EXPECT_FALSE(WriteMVM("/no/such/folder/x.mvm"));
-    ASSERT_EQ(scripted::Messages.size(), 1U);
-    EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Stop);
-    EXPECT_THAT(LastMessage(), testing::MatchesRegex("Runtime error in WriteMVM\n.+"));
+    const auto failure = IsBox(BoxIcon::Stop, testing::MatchesRegex("Runtime error in WriteMVM\n.+"));
+    EXPECT_THAT(scripted::Messages, testing::ElementsAre(failure));
     EXPECT_EQ(Bones[1].Name, "B");
 }

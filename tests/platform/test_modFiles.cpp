@@ -1,6 +1,5 @@
 #include "platform/modFiles.h"
 
-#include <gmock/gmock.h>
 #include <new>
 #include <sys/stat.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <functional>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "app/modStatus.h"
 #include "support/scripted.h"
@@ -35,6 +35,11 @@ inline int FailEachStep(const std::function<bool()>& act)
             return scripted::Steps;
         }
     }
+}
+
+inline testing::Matcher<scripted::Box> IsBox(BoxIcon icon, const testing::Matcher<const std::string&>& text)
+{
+    return testing::AllOf(testing::Field(&scripted::Box::Icon, icon), testing::Field(&scripted::Box::Text, text));
 }
 
 /// The lines that `act` puts into the log, which it must show once.

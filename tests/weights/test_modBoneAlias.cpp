@@ -6,6 +6,8 @@
 #include "model/modStrings.h"
 #include "support/fresh.h"
 
+using testing::ElementsAre;
+
 namespace {
 
 class Aliases : public FreshFolder {
@@ -21,10 +23,10 @@ protected:
 TEST_F(Aliases, MissingFolderIsAWarning)
 {
     LoadAlias();
-    ASSERT_EQ(scripted::Messages.size(), 1U);
-    EXPECT_EQ(scripted::Messages[0].Text,
-              "Folder \"" + LowerCase(scripted::Folder) + "\\alias\" does not exist.\nCannot find alias files.");
-    EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Warning);
+    const std::string folder = LowerCase(scripted::Folder) + "\\alias";
+    EXPECT_THAT(
+        scripted::Messages,
+        ElementsAre(IsBox(BoxIcon::Warning, "Folder \"" + folder + "\" does not exist.\nCannot find alias files.")));
 }
 
 TEST_F(Aliases, ReadsLinesOfFiveFields)
@@ -42,7 +44,7 @@ TEST_F(Aliases, ReadsLinesOfFiveFields)
     }
     EXPECT_EQ(entries, "a| Label |b|c|2.5\n||||0\n1|2|3|4|5\n");
     const std::string start = "Invalid line in alias \"" + file.Path + "\" on line ";
-    EXPECT_EQ(scripted::Log, (std::vector<std::string>{start + "4.", start + "5."}));
+    EXPECT_THAT(scripted::Log, ElementsAre(start + "4.", start + "5."));
     EXPECT_EQ(scripted::LogShown, 1);
     EXPECT_TRUE(scripted::Messages.empty());
 }
@@ -61,9 +63,8 @@ TEST_F(Aliases, HostileFilesStayHarmless)
     EXPECT_EQ(AliasFileCount(), 0);
     Write("many.alias", "a;b;c;d;1E39\n");
     LoadAlias();
-    ASSERT_EQ(scripted::Messages.size(), 1U);
-    EXPECT_TRUE(scripted::Messages[0].Text.starts_with("Runtime error in LoadAlias\n"));
-    EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Stop);
+    const auto failure = IsBox(BoxIcon::Stop, testing::StartsWith("Runtime error in LoadAlias\n"));
+    EXPECT_THAT(scripted::Messages, ElementsAre(failure));
 }
 
 /// The plain loops over entries and bones.
@@ -131,9 +132,7 @@ TEST_F(Aliases, FilesServeMeshesOfExactlyTheirName)
     EXPECT_EQ(ActiveBone, 0);
     EXPECT_EQ(scripted::Redraws, 2) << "the lists are filled once for each file";
     ClearBoneAliases();
-    EXPECT_EQ(Bones[2].Alias, "");
-    EXPECT_EQ(Bones[2].LinkBone, 0);
-    EXPECT_EQ(Bones[2].MirrorBone, 0);
+    EXPECT_TRUE(Bones[2].Alias.empty() && Bones[2].LinkBone == 0 && Bones[2].MirrorBone == 0);
 }
 
 } // namespace

@@ -1,7 +1,5 @@
 #include "weights/modEdit.h"
 
-#include <gmock/gmock.h>
-
 #include <limits>
 
 #include "app/modMvmDef.h"
@@ -43,11 +41,7 @@ TEST_F(Edit, SkinTakesOffsetAndScaleFromTheFirstInstance)
                              "instance name.";
     SelectSkinMesh(2);
     SelectShadowMesh(2);
-    ASSERT_EQ(scripted::Messages.size(), 2U);
-    for (const scripted::Box& box : scripted::Messages) {
-        EXPECT_EQ(box.Text, lone);
-        EXPECT_EQ(box.Icon, BoxIcon::Warning);
-    }
+    EXPECT_THAT(scripted::Messages, testing::ElementsAre(IsBox(BoxIcon::Warning, lone), IsBox(BoxIcon::Warning, lone)));
     EXPECT_EQ(SkinMesh, 2);
     EXPECT_EQ(SkinScale, 0.25F);
 

@@ -89,10 +89,8 @@ TEST_F(Tools, AutoAssignRefusesInOrder)
     AutoAssign(1);
     Bones.Add();
     AutoAssign(1);
-    ASSERT_EQ(scripted::Messages.size(), 2U);
-    EXPECT_EQ(scripted::Messages[0].Text, "No boned found to assign.");
-    EXPECT_EQ(scripted::Messages[1].Text, "Mesh is not a skin.");
-    EXPECT_EQ(scripted::Messages[1].Icon, BoxIcon::Warning);
+    EXPECT_THAT(scripted::Messages, testing::ElementsAre(IsBox(BoxIcon::Warning, "No boned found to assign."),
+                                                         IsBox(BoxIcon::Warning, "Mesh is not a skin.")));
     EXPECT_FALSE(Meshes[1].IsSkin);
     EXPECT_EQ(scripted::Redraws, 0);
 }

@@ -1,7 +1,5 @@
 #include "weights/modWeights.h"
 
-#include <gmock/gmock.h>
-
 #include "support/fresh.h"
 #include "weights/shapes.h"
 
@@ -10,59 +8,40 @@ using testing::StartsWith;
 
 namespace {
 
-const std::string incompatible =
-    "File version is not compatible with this version of Beastwright.\r\nChoosing \"Yes\" may "
-    "cause Beastwright to become unstable.\r\n\r\nWould you like to try anyway?";
-const std::string otherBones =
-    "Number of bones in the weight information file do not match loaded number of bones.\nWould "
-    "you like to continue?";
-const std::string otherName =
-    "Name of current mesh does not match weight information file.\nWould you like to continue?";
-const std::string otherCount =
-    "Number of vertices of current mesh does not match weight information file.\nWould you like "
-    "to continue?";
+/// What a file raises that differs in all: in the order of the questions.
+const std::vector<std::string> questions = {
+    "File version is not compatible with this version of Beastwright.\r\nChoosing \"Yes\" may cause Beastwright to "
+    "become unstable.\r\n\r\nWould you like to try anyway?",
+    "Number of bones in the weight information file do not match loaded number of bones.\nWould you like to continue?",
+    "Name of current mesh does not match weight information file.\nWould you like to continue?",
+    "Number of vertices of current mesh does not match weight information file.\nWould you like to continue?"};
 
 class Weights : public FreshFolder {
 protected:
     void Write(const std::string& bytes) const { PutFile(file, bytes); }
     [[nodiscard]] std::string Read() const { return Content(file); }
     /// Adds a skin and bones and writes its weights. Gives what the file holds.
-    std::string Saved(const std::vector<Vec3>& places, const std::vector<int16_t>& bones, int boneCount) const
+    std::string Saved(const std::vector<Vec3>& places, const std::vector<int16_t>& bones, size_t boneCount) const
     {
-        AddMesh(places, bones, boneCount);
-        SaveWeights(file, 1);
-        scripted::Messages.clear();
-        return Read();
-    }
-    static MvmMesh& AddMesh(const std::vector<Vec3>& places, const std::vector<int16_t>& bones, int boneCount)
-    {
-        for (int b = 0; b < boneCount; ++b) {
-            Bones.Add();
-        }
+        Bones.Items.resize(boneCount);
         MvmMesh& mesh = Meshes.Add();
         mesh.Name = "Hide";
         mesh.IsSkin = true;
         mesh.Vertices.Items = places;
         mesh.VertexBones.Items = bones;
-        return mesh;
+        SaveWeights(file, 1);
+        scripted::Messages.clear();
+        return Read();
     }
     const std::string file = Folder / "a.wif";
 };
 
-testing::Matcher<scripted::Box> IsBox(BoxIcon icon, const testing::Matcher<const std::string&>& text)
-{
-    return testing::AllOf(testing::Field(&scripted::Box::Icon, icon), testing::Field(&scripted::Box::Text, text));
-}
-
 TEST_F(Weights, WritesEachByteInItsPlace)
 {
-    AddMesh({{1, -2, 0.5F}}, {0x0102}, 3);
-    SaveWeights(file, 1);
     const std::string expected("BWRT\0\0\2\0\7\0\3\0Hide                    \1\0\0\0"
                                "\0\0\x80\x3F\0\0\0\xC0\0\0\0\x3F\2\1",
                                54);
-    EXPECT_EQ(Read(), expected);
-    EXPECT_THAT(scripted::Messages, ElementsAre(IsBox(BoxIcon::Information, "File saved.")));
+    EXPECT_EQ(Saved({{1, -2, 0.5F}}, {0x0102}, 3), expected);
     EXPECT_EQ(scripted::Redraws, 1);
     Meshes[1].Name = "A name of more than 24 characters";
     SaveWeights(file, 1);
@@ -71,8 +50,8 @@ TEST_F(Weights, WritesEachByteInItsPlace)
 
 TEST_F(Weights, FailedSaveKeepsTheOldFile)
 {
+    Saved({{1, 2, 3}}, {0}, 0);
     Write("old");
-    AddMesh({{1, 2, 3}}, {0}, 0);
     const auto failed = ElementsAre(IsBox(BoxIcon::Stop, StartsWith("Runtime error in SaveWeights\n")));
     for (const bool after : {false, true}) {
         scripted::FailAfter = after;
@@ -102,7 +81,6 @@ TEST_F(Weights, AsksEachQuestionInOrder)
     all[10] = 2;
     all[12] = 'X';
     all[36] = 2;
-    const std::vector<std::string> questions = {incompatible, otherBones, otherName, otherCount};
     for (size_t yes = 0; yes <= questions.size(); ++yes) {
         for (const BoxAnswer refusal : {BoxAnswer::No, BoxAnswer::Cancel}) {
             Write(all);
@@ -133,7 +111,7 @@ TEST_F(Weights, AsksEachQuestionInOrder)
         SaveWeights(file, 1);
         scripted::Questions.clear();
         LoadWeights(file, 1);
-        EXPECT_THAT(scripted::Questions, ElementsAre(IsBox(BoxIcon::Warning, otherName))) << name;
+        EXPECT_THAT(scripted::Questions, ElementsAre(IsBox(BoxIcon::Warning, questions[2]))) << name;
     }
 }
 
@@ -148,7 +126,8 @@ TEST_F(Weights, RefusesForeignAndCutFiles)
     LoadWeights(Folder.Path, 1);
     EXPECT_EQ(scripted::Messages.size(), 37U);
     EXPECT_THAT(scripted::Messages, testing::Each(failed));
-    for (const std::string& foreign : {"bWRT" + good.substr(4), std::string("a short note"), good.substr(0, 3)}) {
+    for (const std::string& foreign :
+         {"bWRT" + good.substr(4), std::string("a short note"), good.substr(0, 3), std::string()}) {
         scripted::Messages.clear();
         Write(foreign);
         LoadWeights(file, 1);
