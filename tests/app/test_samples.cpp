@@ -135,23 +135,7 @@ TEST_F(Samples, MeshesAreClosedAndTurnTheirFrontsOutward)
     }
 }
 
-TEST_F(Samples, BonesAreExactlySymmetric)
-{
-    LoadWithAliases(whole);
-    for (const MvmBone& bone : Bones) {
-        ASSERT_TRUE(IsValidBone(bone.MirrorBone)) << bone.Name;
-        const MvmBone& partner = Bones[bone.MirrorBone];
-        EXPECT_TRUE(partner.Position.X == -bone.Position.X && partner.Position.Y == bone.Position.Y &&
-                    partner.Position.Z == bone.Position.Z)
-            << bone.Name;
-        EXPECT_EQ(partner.IsShadow, bone.IsShadow) << bone.Name;
-        // Seen from the rear: what is called right lies at X > 0.
-        EXPECT_EQ(bone.Alias.find("Right") != std::string::npos, bone.Position.X > 0) << bone.Name;
-        EXPECT_EQ(bone.Alias.find("Left") != std::string::npos, bone.Position.X < 0) << bone.Name;
-    }
-}
-
-TEST_F(Samples, AliasesLabelAndConnectEveryBone)
+TEST_F(Samples, AliasesLabelConnectAndMirrorEveryBone)
 {
     LoadWithAliases(whole);
     ASSERT_EQ(AliasFileCount(), 2);
@@ -166,16 +150,25 @@ TEST_F(Samples, AliasesLabelAndConnectEveryBone)
             }
         }
     }
-    // Each bone leads over its links to the one root of its kind.
+    // Each bone leads over its links to the one root of its kind, and has its own mirror image.
     std::set<std::string> labels;
     std::set<int32_t> roots;
     for (int32_t i = 1; i <= BoneCount(); ++i) {
-        EXPECT_TRUE(!Bones[i].Alias.empty() && labels.insert(Bones[i].Alias).second) << Bones[i].Name;
+        const MvmBone& bone = Bones[i];
+        SCOPED_TRACE(bone.Name);
+        EXPECT_TRUE(!bone.Alias.empty() && labels.insert(bone.Alias).second);
+        // Seen from the rear: what is called right lies at X > 0.
+        EXPECT_EQ(bone.Alias.find("Right") != std::string::npos, bone.Position.X > 0);
+        EXPECT_EQ(bone.Alias.find("Left") != std::string::npos, bone.Position.X < 0);
+        ASSERT_TRUE(IsValidBone(bone.MirrorBone));
+        const Vec3& twin = Bones[bone.MirrorBone].Position;
+        EXPECT_TRUE(twin.X == -bone.Position.X && twin.Y == bone.Position.Y && twin.Z == bone.Position.Z);
+        EXPECT_EQ(Bones[bone.MirrorBone].IsShadow, bone.IsShadow);
         int32_t at = i;
         for (int steps = 0; Bones[at].LinkBone != 0; ++steps) {
-            ASSERT_LT(steps, BoneCount()) << Bones[i].Name;
+            ASSERT_LT(steps, BoneCount());
             at = Bones[at].LinkBone;
-            EXPECT_EQ(Bones[at].IsShadow, Bones[i].IsShadow) << Bones[i].Name;
+            EXPECT_EQ(Bones[at].IsShadow, bone.IsShadow);
         }
         roots.insert(at);
     }
