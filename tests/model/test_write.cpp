@@ -42,12 +42,6 @@ TEST_F(WriteModel, WritesAWholeSceneToTheByte)
     EXPECT_EQ(WrittenBytes(), text);
 }
 
-TEST_F(WriteModel, WritesAnEmptySceneAsItsFileInfo)
-{
-    FormatVersion = "9";
-    EXPECT_EQ(WrittenBytes(), fileInfo);
-}
-
 TEST_F(WriteModel, SettlesAfterOneRoundTrip)
 {
     const struct {
