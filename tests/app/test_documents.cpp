@@ -26,24 +26,14 @@ std::string Manual()
     return std::regex_replace(TextOf(root / "assets/readme/readme.html"), std::regex("\\s+"), " ");
 }
 
-/// Names of all files below the folders that hold code.
-std::set<std::string> FileNames()
-{
-    std::set<std::string> names;
-    for (const fs::path& path : FilesBelow({"src", "tests", "bench", "fuzz"})) {
-        names.insert(path.filename().string());
-    }
-    return names;
-}
-
-/// Whatever looks like a name in the code, the build files and the scripts.
+/// The files of the code, and whatever looks like a name in it, in the build files and the scripts.
 std::set<std::string> NamesOfTheCode()
 {
     std::set<std::string> names;
     std::vector<fs::path> files = FilesBelow({"src", "tests", "bench", "fuzz", "scripts"});
     files.insert(files.end(), {root / "CMakeLists.txt", root / "CMakePresets.json"});
     for (const fs::path& path : files) {
-        names.insert(path.stem().string());
+        names.insert({path.filename().string(), path.stem().string()});
         if (path.filename() != "test_documents.cpp") {
             names.merge(WordsOf(TextOf(path)));
         }
@@ -69,7 +59,6 @@ std::string CodeOf(const std::string& document)
 
 TEST(Documents, WhatTheyNameIsThere)
 {
-    const std::set<std::string> files = FileNames();
     const std::set<std::string> names = NamesOfTheCode();
     const std::string presets = TextOf(root / "CMakePresets.json");
     int links = 0;
@@ -90,7 +79,7 @@ TEST(Documents, WhatTheyNameIsThere)
             }
         }
         for (const std::string& file : Matches(code, "(?:^|\\s)(\\w+\\.(?:h|cpp|cmake))(?=\\s)")) {
-            EXPECT_TRUE(files.contains(file)) << file;
+            EXPECT_TRUE(names.contains(file)) << file;
         }
         // Names with a capital or an underscore inside: operations, globals, widgets, targets.
         for (const std::string& name : Matches(code, "\\b(\\w*[a-z0-9](?:[A-Z]|_[a-z])\\w*)\\b")) {
