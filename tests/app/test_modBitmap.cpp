@@ -60,7 +60,7 @@ TEST_F(ABitmap, TurnsBlueGreenRedIntoRedGreenBlueInTheOrderOfTheFile)
 
 TEST_F(ABitmap, LooksUpPaletteColors)
 {
-    const auto color = [](int i) { return i == 0 ? 0x0000FEU : 0x102030U + static_cast<uint32_t>(i); };
+    const auto color = [](int i) { return i == 2 ? 0x102032U : 0x0000FEU + static_cast<uint32_t>(i); };
     const auto blueWithSpare = [](int) { return 0x770000FFU; };
     const auto white = [](int) { return 0xFFFFFFU; };
     const struct {
@@ -69,8 +69,8 @@ TEST_F(ABitmap, LooksUpPaletteColors)
         std::function<uint32_t(int)> Color;
         std::vector<uint32_t> Pixels; ///< of the indices 0, 1, 2, 255
     } cases[] = {
-        {"only pure blue turns grey", 3, color, {0x0000FEFF, 0x102031FF, 0x102032FF, 0x000000FF}},
-        {"the spare byte counts for nothing", 2, blueWithSpare, {0x3F3F3FFF, 0x0000FFFF, 0x000000FF, 0x000000FF}},
+        {"only pure blue at the start turns grey", 3, color, {0x0000FEFF, 0x0000FFFF, 0x102032FF, 0x000000FF}},
+        {"the spare byte counts for nothing", 1, blueWithSpare, {0x3F3F3FFF, 0x000000FF, 0x000000FF, 0x000000FF}},
         {"black behind the palette", 1, white, {0xFFFFFFFF, 0x000000FF, 0x000000FF, 0x000000FF}},
         {"more than 256 entries", 300, bmp::Gray, {0x000000FF, 0x010101FF, 0x020202FF, 0xFFFFFFFF}},
     };
