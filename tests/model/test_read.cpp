@@ -233,11 +233,13 @@ TEST_F(ReadModel, GivesBackMemoryThatItDoesNotNeed)
     for (int line = 0; line < 1025; ++line) {
         text += " v = (1,2,3),7\r\n n = (1,2,3)\r\n t = (1,2)\r\n f = (1,2,3),(1,2,3),(1,2,3),0\r\n";
     }
-    ASSERT_TRUE(Load(text + "}\r\nmesh \"$M\"\r\n"));
-    const MvmMesh& skin = Meshes[1];
-    for (const size_t capacity :
-         {skin.Vertices.Items.capacity(), skin.Normals.Items.capacity(), skin.TexCoords.Items.capacity(),
-          skin.Faces.Items.capacity(), skin.VertexBones.Items.capacity(), skin.VertexJoints.Items.capacity()}) {
-        EXPECT_EQ(capacity, 1025U);
+    ASSERT_TRUE(Load(text + "}\r\n" + text + "}\r\n"));
+    ASSERT_EQ(MeshCount(), 2);
+    for (const MvmMesh& skin : Meshes) {
+        for (const size_t capacity :
+             {skin.Vertices.Items.capacity(), skin.Normals.Items.capacity(), skin.TexCoords.Items.capacity(),
+              skin.Faces.Items.capacity(), skin.VertexBones.Items.capacity(), skin.VertexJoints.Items.capacity()}) {
+            EXPECT_EQ(capacity, 1025U);
+        }
     }
 }
