@@ -111,7 +111,10 @@ TEST_F(Mirror, EqualsThePlainLoops)
 
 TEST_F(Mirror, AliasFileDecidesOnlyWhileAliasesAreOn)
 {
-    MirrorWeights({}); // no target, no crash
+    for (const int16_t none : {int16_t{0}, int16_t{3}}) {
+        SkinMesh = none;
+        MirrorWeights({});
+    }
     Bones.Add().Position = {1, 0, 0};
     Bones.Add().Position = {-1, 0, 0};
     AliasFiles.Add({"", "Shade", {}});
