@@ -188,7 +188,7 @@ int StartChild(bool withProgram, const std::string& argument)
 void MeasureStart(const std::string& self)
 {
     const std::string sample = SOURCE_FOLDER "/samples/vorrel/vorrel.mvm";
-    constexpr int rounds = 9;
+    constexpr int rounds = 31; // a start takes a tenth of a second, of which a busy moment changes much
     std::vector<double> ours;
     std::vector<double> empty;
     for (int i = 0; i < rounds; ++i) {

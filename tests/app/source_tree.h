@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <initializer_list>

@@ -2,6 +2,8 @@
 
 #include <functional>
 #include <gmock/gmock.h>
+#include <string>
+#include <vector>
 
 #include "app/modStatus.h"
 #include "support/scripted.h"
@@ -37,6 +39,7 @@ inline int FailEachStep(const std::function<bool()>& act)
     }
 }
 
+/// Matches a message box by its icon and its text.
 inline testing::Matcher<scripted::Box> IsBox(BoxIcon icon, const testing::Matcher<const std::string&>& text)
 {
     return testing::AllOf(testing::Field(&scripted::Box::Icon, icon), testing::Field(&scripted::Box::Text, text));
