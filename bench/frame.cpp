@@ -1,21 +1,23 @@
 // A frame of the editing tab with all overlays, and a pick over the whole view, on the largest mesh.
 
 #include <array>
-#include <benchmark/benchmark.h>
 #include <cstdio>
+
+#include <benchmark/benchmark.h>
 #include <GL/gl.h>
 #include <GL/glu.h>
 
 #include "app/modMvmDef.h"
 #include "bench.h"
 #include "generate.h"
-#include "interaction/modCamera.h"
-#include "interaction/modPick.h"
-#include "render/modGLState.h"
-#include "render/modMvmDraw.h"
-#include "render/modOpenGL.h"
-#include "render/modTexture.h"
-#include "render/modViewFlags.h"
+#include "modCamera.h"
+#include "modGLState.h"
+#include "modMaterialState.h"
+#include "modMvmDraw.h"
+#include "modOpenGL.h"
+#include "modPick.h"
+#include "modSession.h"
+#include "modViewFlags.h"
 #include "support/render_plain.h"
 
 namespace {
@@ -64,7 +66,7 @@ void OpenLargest(bool sorted)
 void Close()
 {
     FreeTextures();
-    ResetScene();
+    ResetSession();
 }
 
 /// Times frames after a first one, in which the driver makes ready what it keeps for the next ones.
@@ -81,7 +83,7 @@ void Frame(benchmark::State& state, bool sorted, bool lines, void (*paint)())
 {
     OpenLargest(sorted);
     ViewIsolines = ViewNormals = lines;
-    Repeat(state, paint); // both forms end with glFinish
+    Repeat(state, paint); // both implementations end with glFinish
     Close();
 }
 
@@ -329,7 +331,7 @@ void RegisterFrameCases()
     BenchRows.push_back(
         {"frame, materials sorted, against bare arrays", "frame, sorted", "frame, sorted/arrays", 1.5, true});
     BenchRows.push_back({"frame, materials alternating", "frame, alternating", "frame, alternating/plain", 3});
-    // Filling the pixels of smooth lines costs both forms the same, so the frame is also measured without them.
+    // Filling the pixels of smooth lines costs both the same, so the frame is also measured without them.
     BenchRows.push_back({"frame without isolines and normals, sorted (own target)", "frame without lines, sorted",
                          "frame without lines, sorted/plain", 3});
     BenchRows.push_back({"pick over the whole view", "pick", "pick/plain", 10});

@@ -9,6 +9,8 @@
 #include <numbers>
 #include <set>
 
+#include "modSession.h"
+
 namespace {
 
 constexpr int32_t ringSize = 128;
@@ -96,7 +98,7 @@ MvmMesh LargestMesh(Shape shape, int32_t bones, int32_t materials, bool sorted)
 
 void FillScene(int32_t meshes, int32_t bones, int32_t materials, bool sorted, Shape shape)
 {
-    ResetScene();
+    ResetSession();
     for (int32_t i = 1; i <= materials; ++i) {
         Materials.Add().Name = "Material" + std::to_string(i);
     }

@@ -1,17 +1,19 @@
 // Runs all cases in this process, with the real main window, and prints the table.
 
 #include <algorithm>
-#include <benchmark/benchmark.h>
 #include <cstdio>
 #include <filesystem>
 #include <map>
-#include <QApplication>
 #include <string_view>
 
-#include "app/frmSetup.h"
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+
 #include "bench.h"
 #include "generate.h"
-#include "interaction/frmMain.h"
+#include "main/frmMain.h"
+#include "modSetup.h"
 
 namespace {
 

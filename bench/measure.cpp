@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iostream>
+
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QMainWindow>
@@ -11,14 +12,16 @@
 #include <QOpenGLWidget>
 #include <QProcess>
 
-#include "app/frmSetup.h"
 #include "app/modMvmDef.h"
 #include "bench.h"
 #include "generate.h"
-#include "interaction/frmMain.h"
-#include "interaction/frmView.h"
+#include "main/frmMain.h"
+#include "main/frmView.h"
 #include "model/modMvmRead.h"
 #include "model/modMvmWrite.h"
+#include "modSession.h"
+#include "modSetup.h"
+#include "support/model_text.h"
 
 namespace {
 
@@ -136,7 +139,7 @@ void MeasureMemory(const std::string& self)
     const std::string text = ModelText();
     const auto fileBytes = static_cast<double>(text.size());
     const std::string path = TemporaryFile("memory.mvm", text);
-    ResetScene();
+    ResetSession();
 
     QProcess child;
     child.start(QString::fromStdString(self), {QString::fromUtf8(memoryMode), QString::fromStdString(path)});

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+
 #include <unistd.h>
 
 #include "app/modMvmDef.h"

@@ -8,7 +8,9 @@
 #include "memory_file.h"
 #include "model/modMvmRead.h"
 #include "model/modMvmWrite.h"
+#include "model/modNumbers.h"
 #include "model/modStrings.h"
+#include "support/model_text.h"
 #include "support/scripted.h"
 
 namespace {

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "model/modNumbers.h"
 #include "model/modStrings.h"
 
 namespace {

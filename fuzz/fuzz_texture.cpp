@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "memory_file.h"
-#include "render/modBitmap.h"
+#include "model/modBitmap.h"
 #include "support/scripted.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)

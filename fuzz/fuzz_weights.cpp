@@ -1,5 +1,6 @@
 // Any bytes as a weights file, by index and by position, against a mesh that the first bytes make.
 
+#include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
 #include "memory_file.h"
 #include "support/scripted.h"

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdlib>
+
 #include <sys/mman.h>
 #include <unistd.h>
 

@@ -1,4 +1,4 @@
-#include "platform/modCodePage.h"
+#include "modCodePage.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <iterator>
 
-#include "platform/modUtf8.h"
+#include "modUtf8.h"
 
 namespace {
 
@@ -54,4 +54,41 @@ std::string CodePageFromUtf8(std::string_view text)
         at += std::max<size_t>(length, 1);
     }
     return bytes;
+}
+
+char32_t SmallLetter(char32_t character)
+{
+    const bool ascii = character >= U'A' && character <= U'Z';
+    const bool latin = character >= 0xC0 && character <= 0xDE && character != 0xD7;
+    if (ascii || latin) {
+        return character + 0x20;
+    }
+    switch (character) {
+    case 0x152: // OE ligature
+    case 0x160: // S with caron
+    case 0x17D: // Z with caron
+        return character + 1;
+    case 0x178: // Y with diaeresis
+        return 0xFF;
+    default:
+        return character;
+    }
+}
+
+std::string LowerText(std::string_view text)
+{
+    std::string lower;
+    lower.reserve(text.size());
+    for (size_t at = 0; at < text.size();) {
+        char32_t character = 0;
+        const size_t length = std::max<size_t>(DecodeUtf8(text.substr(at), &character), 1);
+        const char32_t small = SmallLetter(character);
+        if (small != character) {
+            AppendUtf8(small, &lower);
+        } else {
+            lower += text.substr(at, length);
+        }
+        at += length;
+    }
+    return lower;
 }

@@ -1,4 +1,4 @@
-#include "platform/modUtf8.h"
+#include "modUtf8.h"
 
 void AppendUtf8(char32_t character, std::string* text)
 {

@@ -1,12 +1,13 @@
-#include "render/modGLState.h"
+#include "modGLState.h"
 
 #include <algorithm>
 #include <cmath>
+#include <initializer_list>
 
 #include <GL/gl.h>
 
-#include "render/modOpenGL.h"
-#include "render/modViewFlags.h"
+#include "modOpenGL.h"
+#include "modViewFlags.h"
 
 void SetBaseState()
 {
@@ -29,8 +30,9 @@ void SetBaseState()
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
     glPointSize(1.0F);
     glLineWidth(PixelScale);
-    for (const GLenum off : {GL_BLEND, GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_LINE_STIPPLE, GL_LINE_SMOOTH,
-                             GL_POINT_SMOOTH, GL_ALPHA_TEST, GL_TEXTURE_2D, GL_LIGHTING}) {
+    for (const GLenum off :
+         std::initializer_list<GLenum>{GL_BLEND, GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_LINE_STIPPLE, GL_LINE_SMOOTH,
+                                       GL_POINT_SMOOTH, GL_ALPHA_TEST, GL_TEXTURE_2D, GL_LIGHTING}) {
         glDisable(off);
     }
 }

@@ -1,12 +1,15 @@
-#include "render/modMvmDraw.h"
+#include "modMvmDraw.h"
+
+#include <array>
 
 #include <GL/gl.h>
 
-#include "render/modGLState.h"
-#include "render/modMaterialLook.h"
-#include "render/modTexture.h"
-#include "render/modViewFlags.h"
-#include "weights/modEdit.h"
+#include "app/modMvmDef.h"
+#include "modGLState.h"
+#include "modMaterialState.h"
+#include "modOverlays.h"
+#include "modSurface.h"
+#include "modViewFlags.h"
 
 namespace {
 
@@ -54,11 +57,9 @@ void DrawEditingPasses(bool isolines)
         DrawTintedSurface(target);
         break;
     }
-    glFlush(); // the pixels of a pass can be filled while the next one is put together
     // Nothing before the surface writes depth, so its depth stands as if drawn alone, but for an alpha test that has
     // changed since.
     DrawVertices(target, AlphaReference == reference);
-    glFlush();
     if (isolines) {
         DrawIsolines(target);
     }
@@ -68,31 +69,6 @@ void DrawEditingPasses(bool isolines)
     BindMaterial(0);
     glDisable(GL_LIGHTING);
     DrawBones();
-}
-
-struct LookColors {
-    Color4 Diffuse;
-    Color4 Flat;
-};
-
-Color4 Bytes(int red, int green, int blue)
-{
-    return {static_cast<float>(red) / 255.0F, static_cast<float>(green) / 255.0F, static_cast<float>(blue) / 255.0F, 1};
-}
-
-LookColors ColorsOf(Surface surface)
-{
-    switch (surface) {
-    case Surface::NoTexture:
-        return {{1, 0.75F, 0.25F, 1}, Bytes(255, 191, 64)};
-    case Surface::Textured:
-        return {{1, 1, 1, 1}, Bytes(255, 255, 255)};
-    case Surface::TexturesOff:
-        return {{0.5F, 0.5F, 0.5F, 1}, Bytes(191, 191, 191)};
-    case Surface::NoMaterial:
-        break;
-    }
-    return {{1, 0.5F, 1, 1}, Bytes(255, 127, 255)};
 }
 
 } // namespace
@@ -118,41 +94,6 @@ void DrawModel()
     if (ViewWire) {
         glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
     }
-}
-
-Look LookOf(int32_t material)
-{
-    if (!Materials.Has(material)) {
-        return {Surface::NoMaterial, 0};
-    }
-    const int16_t texture = Materials[material].Texture;
-    if (texture < 1) {
-        return {Surface::NoTexture, 0};
-    }
-    return ViewTextures ? Look{Surface::Textured, texture} : Look{Surface::TexturesOff, 0};
-}
-
-void ApplyLook(const Look& look, const Look* previous)
-{
-    BindTexture(look.Texture);
-    if (previous != nullptr && previous->Kind == look.Kind) {
-        return;
-    }
-    const LookColors colors = ColorsOf(look.Kind);
-    if (ViewLighting) {
-        const Color4 ambient{colors.Diffuse[0] * 0.25F, colors.Diffuse[1] * 0.25F, colors.Diffuse[2] * 0.25F, 1};
-        glEnable(GL_LIGHTING);
-        glMaterialfv(GL_FRONT_AND_BACK, GL_DIFFUSE, colors.Diffuse.data());
-        glMaterialfv(GL_FRONT_AND_BACK, GL_AMBIENT, ambient.data());
-    } else {
-        glDisable(GL_LIGHTING);
-        glColor4fv(colors.Flat.data());
-    }
-}
-
-void BindMaterial(int32_t material)
-{
-    ApplyLook(LookOf(material), nullptr);
 }
 
 void SetupLights()

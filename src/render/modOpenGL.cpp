@@ -1,4 +1,4 @@
-#include "render/modOpenGL.h"
+#include "modOpenGL.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,17 +6,22 @@
 
 #include <GL/gl.h>
 
+#include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
-#include "interaction/modCamera.h"
-#include "interaction/modTools.h"
-#include "platform/modDialogs.h"
-#include "render/modGLState.h"
-#include "render/modLabels.h"
-#include "render/modMvmDraw.h"
-#include "render/modRedraw.h"
-#include "render/modViewFlags.h"
+#include "modCamera.h"
+#include "modDrag.h"
+#include "modGLState.h"
+#include "modMaterialState.h"
+#include "modMvmDraw.h"
+#include "modViewFlags.h"
 
 namespace {
+
+constexpr int labelWidth = 80;
+constexpr int labelHeight = 16;
+constexpr std::array<uint8_t, CameraCount* labelWidth* labelHeight> labelResource = {
+#include "cameraLabels.inc"
+};
 
 /// True when the current context knows the fixed pipeline: a core profile answers its queries with an error, and an
 /// embedded one says what it is.
@@ -132,8 +137,8 @@ void DrawCameraLabel()
     glColor3f(1, 1, 1);
     glRasterPos2i(5, 21);
     glPixelZoom(PixelScale, PixelScale);
-    const size_t image = static_cast<size_t>(CameraCount - CurrentCamera) * LabelBytes;
-    glDrawPixels(LabelWidth, LabelHeight, GL_LUMINANCE, GL_UNSIGNED_BYTE, &CameraLabels[image]);
+    const int image = (CameraCount - CurrentCamera) * labelWidth * labelHeight;
+    glDrawPixels(labelWidth, labelHeight, GL_LUMINANCE, GL_UNSIGNED_BYTE, &CameraLabels[static_cast<size_t>(image)]);
     glPixelZoom(1, 1);
     glDisable(GL_BLEND);
 }
@@ -168,7 +173,7 @@ bool InitOpenGL()
     }
     AlphaReference = 0.5F;
     SetBaseState();
-    FillCameraLabels();
+    CameraLabels = labelResource;
     GLContext = true;
     return true;
 }

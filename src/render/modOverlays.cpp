@@ -1,12 +1,15 @@
-#include <cstdint>
+#include "modOverlays.h"
+
 #include <vector>
 
 #include <GL/gl.h>
 
-#include "render/modFaceArrays.h"
-#include "render/modMvmDraw.h"
-#include "render/modVertexColors.h"
-#include "render/modViewFlags.h"
+#include "app/modMvmDef.h"
+#include "modAssignmentColors.h"
+#include "modFaceArrays.h"
+#include "modMaterialState.h"
+#include "modSurface.h"
+#include "modViewFlags.h"
 
 namespace {
 
@@ -18,7 +21,17 @@ struct LinePoint {
 std::vector<LinePoint> normalLines;
 std::vector<int32_t> lastNormalOfVertex; ///< number of the normal drawn last at each vertex in this pass
 
-constexpr int32_t noNormalYet = INT32_MIN;
+/// Alpha of what lies over the surface, 0 to 255.
+int OverlayAlpha()
+{
+    return DisplayMode == 1 ? 255 : 127;
+}
+
+AssignmentColors PointColors()
+{
+    const int alpha = OverlayAlpha();
+    return {ByteColor(0, 255, 0, alpha), ByteColor(255, 0, 0, 255), ByteColor(255, 255, 255, alpha)};
+}
 
 void SetSmooth(GLenum what, bool on)
 {
@@ -49,8 +62,7 @@ bool IsBoneShown(const MvmBone& bone)
 
 float DrawnSizeOfBone(int32_t bone)
 {
-    const float size = static_cast<float>(PointSize) * PixelScale;
-    return bone == ActiveBone ? size * 2.4F : size * 1.6F;
+    return static_cast<float>(PointSize * (bone == ActiveBone ? 2.4 : 1.6) * static_cast<double>(PixelScale));
 }
 
 void SetBoneColor(int32_t bone)
@@ -153,7 +165,7 @@ void DrawIsolines(int16_t mesh)
     SetSmooth(GL_LINE_SMOOTH, true);
     glDepthMask(GL_FALSE);
     glColor4f(1, 1, 1, 0.25F);
-    DrawPlainTriangles(Meshes[mesh]);
+    DrawPlainFaces(Meshes[mesh]);
     glDepthMask(GL_TRUE);
     SetSmooth(GL_LINE_SMOOTH, false);
     glDisable(GL_BLEND);
@@ -172,6 +184,7 @@ void DrawNormals(int16_t mesh)
         BlendByAlpha();
         glEnable(GL_LINE_SMOOTH);
     }
+    constexpr int32_t noNormalYet = INT32_MIN;
     normalLines.clear();
     lastNormalOfVertex.assign(drawn.Vertices.Items.size(), noNormalYet);
     for (const MvmFace& face : drawn.Faces) {

@@ -1,4 +1,4 @@
-#include "render/modViewFlags.h"
+#include "modViewFlags.h"
 
 void ResetViewFlags()
 {

@@ -1,6 +1,6 @@
-#include "platform/modCodePage.h"
-
 #include <gtest/gtest.h>
+
+#include "modCodePage.h"
 
 TEST(CodePage, EveryByteSurvivesARoundTrip)
 {

@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
+
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
 #include <QSurface>
 
-#include "render/modOpenGL.h"
+#include "app/modFrontEnd.h"
+#include "modOpenGL.h"
 #include "support/scripted.h"
 
 // Contexts that cannot draw are refused with a message.

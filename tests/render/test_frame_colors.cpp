@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 
 #include "app/modMvmDef.h"
-#include "interaction/modCamera.h"
-#include "interaction/modTools.h"
-#include "platform/modDialogs.h"
-#include "render/modMvmDraw.h"
-#include "render/modOpenGL.h"
-#include "render/modViewFlags.h"
+#include "modCamera.h"
+#include "modDrag.h"
+#include "modMvmDraw.h"
+#include "modOpenGL.h"
+#include "modViewFlags.h"
 #include "support/render_harness.h"
 #include "support/scripted.h"
 

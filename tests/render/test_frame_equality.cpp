@@ -1,14 +1,16 @@
-#include <GL/gl.h>
-#include <gtest/gtest.h>
 #include <limits>
 #include <random>
 #include <sstream>
 
+#include <GL/gl.h>
+#include <gtest/gtest.h>
+
 #include "app/modMvmDef.h"
-#include "interaction/modCamera.h"
-#include "interaction/modTools.h"
-#include "render/modOpenGL.h"
-#include "render/modViewFlags.h"
+#include "modCamera.h"
+#include "modDrag.h"
+#include "modOpenGL.h"
+#include "modSession.h"
+#include "modViewFlags.h"
 #include "support/render_harness.h"
 #include "support/render_plain.h"
 
@@ -69,7 +71,7 @@ protected:
 TEST_F(FrameEquality, RandomScenesInRandomStates)
 {
     for (int scene = 0; scene < 8; ++scene) {
-        ResetScene();
+        ResetSession();
         harness::BuildCreature(&random, 4 + 3 * scene, 6 + 2 * scene);
         SkinScale = scene % 2 == 0 ? 1.0F : 1.5F;
         SkinOffset = {0.1F, 0, -0.05F};
@@ -141,7 +143,7 @@ TEST_F(FrameEquality, StrangeCoordinatesDoNoHarm)
         PaintFrame();
     }
     // A sound scene draws as ever afterwards.
-    ResetScene();
+    ResetSession();
     harness::BuildCreature(&random, 8, 8);
     Shuffle();
     ExpectEqualFrames();
@@ -170,7 +172,8 @@ TEST_F(FrameEquality, NoStateOfOthersShowsInAFrame)
     glColorMask(GL_FALSE, GL_TRUE, GL_TRUE, GL_TRUE);
     glMatrixMode(GL_PROJECTION);
     glScissor(0, 0, 30, 30);
-    for (const GLenum on : {GL_BLEND, GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_LINE_STIPPLE, GL_ALPHA_TEST, GL_LIGHTING}) {
+    for (const GLenum on : std::initializer_list<GLenum>{GL_BLEND, GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_LINE_STIPPLE,
+                                                         GL_ALPHA_TEST, GL_LIGHTING}) {
         glEnable(on);
     }
     glDisable(GL_NORMALIZE);

@@ -1,15 +1,16 @@
-#include "render/modTexture.h"
-
 #include <filesystem>
 #include <fstream>
+
 #include <GL/gl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
-#include "app/modStatus.h"
-#include "render/modOpenGL.h"
-#include "render/modViewFlags.h"
+#include "model/modTexture.h"
+#include "modGLTexture.h"
+#include "modOpenGL.h"
+#include "modViewFlags.h"
 #include "support/bmp.h"
 #include "support/scripted.h"
 

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <functional>
-#include <gmock/gmock.h>
 #include <string>
 #include <vector>
 
-#include "app/modStatus.h"
+#include <gmock/gmock.h>
+
+#include "app/modFrontEnd.h"
 #include "support/scripted.h"
 #include "support/temp_folder.h"
 

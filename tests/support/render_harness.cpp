@@ -3,19 +3,22 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <memory>
+
 #include <GL/gl.h>
 #include <GL/glu.h>
-#include <memory>
+
 #include <QGuiApplication>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
 #include <QOpenGLFramebufferObject>
 
-#include "interaction/modCamera.h"
-#include "interaction/modTools.h"
-#include "render/modOpenGL.h"
-#include "render/modTexture.h"
-#include "render/modViewFlags.h"
+#include "app/modMvmDef.h"
+#include "modCamera.h"
+#include "modDrag.h"
+#include "modOpenGL.h"
+#include "modSession.h"
+#include "modViewFlags.h"
 #include "support/scripted.h"
 
 namespace {
@@ -23,6 +26,8 @@ namespace {
 std::unique_ptr<QOpenGLFramebufferObject> framebuffer;
 
 } // namespace
+
+void MakeViewCurrent() {}
 
 namespace harness {
 
@@ -202,7 +207,7 @@ void RenderTest::SetUp()
 {
     scripted::Reset();
     ResetViewFlags();
-    ResetTools();
+    ResetDrag();
     InitCameras();
     CurrentCamera = 4;
     ASSERT_TRUE(InitOpenGL());
@@ -212,7 +217,7 @@ void RenderTest::SetUp()
 void RenderTest::TearDown()
 {
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
-    ResetScene();
+    ResetSession();
     ShutdownOpenGL();
 }
 

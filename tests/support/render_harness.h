@@ -2,9 +2,10 @@
 
 #include <array>
 #include <cstdint>
-#include <gtest/gtest.h>
 #include <random>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "app/modMvmDef.h"
 

@@ -1,15 +1,16 @@
 #include "support/render_plain.h"
 
 #include <cmath>
+
 #include <GL/gl.h>
 #include <GL/glu.h>
 
 #include "app/modMvmDef.h"
-#include "interaction/modCamera.h"
-#include "interaction/modTools.h"
-#include "render/modOpenGL.h"
-#include "render/modTexture.h"
-#include "render/modViewFlags.h"
+#include "modCamera.h"
+#include "modDrag.h"
+#include "modGLTexture.h"
+#include "modOpenGL.h"
+#include "modViewFlags.h"
 
 namespace {
 

@@ -1,13 +1,13 @@
-#include "support/render_plain.h"
-
 #include <cmath>
+
 #include <GL/gl.h>
 #include <GL/glu.h>
 
-#include "interaction/modCamera.h"
-#include "interaction/modTools.h"
-#include "render/modOpenGL.h"
-#include "render/modViewFlags.h"
+#include "modCamera.h"
+#include "modDrag.h"
+#include "modOpenGL.h"
+#include "modViewFlags.h"
+#include "support/render_plain.h"
 
 namespace {
 

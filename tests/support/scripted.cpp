@@ -2,15 +2,11 @@
 
 #include <algorithm>
 
+#include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
-#include "app/modStatus.h"
-#include "interaction/modConsole.h"
-#include "platform/modEvents.h"
-#include "platform/modFiles.h"
-#include "platform/modLocale.h"
-#include "platform/modOpen.h"
-#include "render/modRedraw.h"
-#include "render/modTexture.h"
+#include "modFiles.h"
+#include "modLocale.h"
+#include "modSession.h"
 #include "weights/modBoneAlias.h"
 #include "weights/modMirror.h"
 #include "weights/modWeights.h"
@@ -44,28 +40,22 @@ std::string Panel(const std::string& key)
 void Reset()
 {
     Steps = FailAt = FailError = 0;
-    FailAfter = NoLinks = false;
-    ResetScene();
-    FreeAliases();
-    AliasesOn = true;
-    LogDirty = StopRequested = NoSleep = false;
+    FailAfter = false;
+    MissingSteps.clear();
+    ResetSession();
     WeightsAssignMode = 0;
-    MirrorVertexThreshold = MirrorBoneThreshold = 0.01F;
     Messages.clear();
     Questions.clear();
     Answers.clear();
-    Texts.clear();
-    ChosenPaths.clear();
     AssignModes.clear();
     Log.clear();
     Panels.clear();
     Progress.clear();
-    LogShown = Redraws = Pumps = 0;
+    LogShown = Redraws = 0;
     for (int list = 0; list < 2; ++list) {
         BoneRows[list].clear();
         SelectedRow[list] = -1;
     }
-    Opened.clear();
     Folder.clear();
     DecimalMark = ".";
 }
@@ -83,33 +73,9 @@ BoxAnswer AskYesNoCancel(BoxIcon icon, const std::string& text)
     return TakeFront(&scripted::Answers, BoxAnswer::Cancel);
 }
 
-std::string AskText(const std::string&, const std::string&, const std::string&)
-{
-    return TakeFront(&scripted::Texts, std::string());
-}
-
-bool ChooseFile(const FileChooser&, std::string* path)
-{
-    if (scripted::ChosenPaths.empty()) {
-        return false;
-    }
-    *path = TakeFront(&scripted::ChosenPaths, std::string());
-    return true;
-}
-
 void AskWeightsAssignMode()
 {
     WeightsAssignMode = static_cast<int16_t>(TakeFront(&scripted::AssignModes, 0));
-}
-
-void PumpEvents()
-{
-    ++scripted::Pumps;
-}
-
-void OpenWithDesktop(const std::string& target)
-{
-    scripted::Opened.push_back(target);
 }
 
 std::string ProgramFolder()
@@ -172,10 +138,3 @@ void SelectBoneRow(int16_t list, int32_t number)
         }
     }
 }
-
-#ifndef SCRIPTED_WITHOUT_TEXTURES
-void LoadTextures(const std::string&) {}
-void FreeTextures() {}
-#else
-void MakeViewCurrent() {}
-#endif

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <deque>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "platform/modDialogs.h"
-#include "weights/modBoneRows.h"
+#include "app/modFrontEnd.h"
 
 // The form of the platform and of the windows that core and render tests link: it records what the core asked for and
 // answers as the test told it to.
@@ -20,18 +20,14 @@ struct Box {
 inline std::vector<Box> Messages;                               ///< shown by ShowMessage
 inline std::vector<Box> Questions;                              ///< asked by AskYesNoCancel
 inline std::deque<BoxAnswer> Answers;                           ///< taken from the front; Cancel when empty
-inline std::deque<std::string> Texts;                           ///< answers of AskText; empty text when empty
-inline std::deque<std::string> ChosenPaths;                     ///< answers of ChooseFile; Cancel when empty
 inline std::deque<int> AssignModes;                             ///< answers of AskWeightsAssignMode; 0 when empty
 inline std::vector<std::string> Log;                            ///< lines of the Info Log
 inline std::vector<std::pair<std::string, std::string>> Panels; ///< key and text, in order
 inline std::vector<std::pair<int, int>> Progress;               ///< (maximum, value) of each step
 inline int LogShown = 0;
 inline int Redraws = 0;
-inline int Pumps = 0;
 inline std::vector<BoneRow> BoneRows[2];
 inline int32_t SelectedRow[2] = {-1, -1}; ///< number of the selected row, -1 for none
-inline std::vector<std::string> Opened;   ///< targets of OpenWithDesktop
 inline std::string Folder;                ///< what ProgramFolder gives
 inline std::string DecimalMark = ".";     ///< what LocaleDecimalMark gives
 
@@ -40,8 +36,8 @@ inline std::string DecimalMark = ".";     ///< what LocaleDecimalMark gives
 inline int Steps = 0;
 inline int FailAt = 0;
 inline bool FailAfter = false;
-inline int FailError = 0;    ///< errno of the failing step; ENOSPC when 0
-inline bool NoLinks = false; ///< the file system knows no second names for a file
+inline int FailError = 0;                  ///< errno of the failing step; ENOSPC when 0
+inline std::set<std::string> MissingSteps; ///< names of steps that the file system does not know: EPERM
 
 /// The panel's latest text; empty when none was set.
 std::string Panel(const std::string& key);

@@ -1,92 +1,83 @@
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
+#include <set>
+#include <string>
+#include <vector>
+
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
-#include "platform/modFileSteps.h"
+#include "posix/modFileSteps.h"
 #include "support/scripted.h"
+
+// The program's own steps under names of their own; what they include stands above.
+namespace own {
+#include "posix/system/modFileSteps.cpp" // NOLINT(bugprone-suspicious-include)
+}
 
 namespace {
 
 /// Counts a step and says whether it must fail.
-bool Fails()
+bool Fails(const char* step)
 {
     ++scripted::Steps;
-    const bool fails = scripted::FailAt > 0 && (scripted::FailAfter ? scripted::Steps >= scripted::FailAt
-                                                                    : scripted::Steps == scripted::FailAt);
-    if (fails) {
-        errno = scripted::FailError != 0 ? scripted::FailError : ENOSPC;
+    const bool counted = scripted::FailAt > 0 && (scripted::FailAfter ? scripted::Steps >= scripted::FailAt
+                                                                      : scripted::Steps == scripted::FailAt);
+    const bool missing = scripted::MissingSteps.contains(step);
+    if (counted || missing) {
+        errno = missing ? EPERM : scripted::FailError != 0 ? scripted::FailError : ENOSPC;
     }
-    return fails;
+    return counted || missing;
+}
+
+template <typename Function, typename... Arguments>
+auto Run(const char* name, const Function& step, const Arguments&... arguments) -> decltype(step(arguments...))
+{
+    return Fails(name) ? -1 : step(arguments...);
 }
 
 } // namespace
 
-int StepOpenRead(const std::string& path)
-{
-    return Fails() ? -1 : open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-}
-
-ssize_t StepRead(int fd, char* data, size_t size)
-{
-    return Fails() ? -1 : read(fd, data, size);
-}
-
-int StepOpenNew(const std::string& path, mode_t mode)
-{
-    return Fails() ? -1 : open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-}
+#define STEP(result, name, parameters, ...)                                                                            \
+    result name parameters                                                                                             \
+    {                                                                                                                  \
+        return Run(#name, own::name, __VA_ARGS__);                                                                     \
+    }
+STEP(int, StepOpenRead, (const std::string& path), path)
+STEP(ssize_t, StepRead, (int fd, char* data, size_t size), fd, data, size)
+STEP(int, StepOpenNew, (const std::string& path, mode_t mode), path, mode)
+STEP(int, StepOpenUnnamed, (const std::string& folder, mode_t mode), folder, mode)
+STEP(int, StepOpenWrite, (const std::string& path), path)
+STEP(int, StepTruncate, (int fd, size_t size), fd, size)
+STEP(int, StepSync, (int fd), fd)
+STEP(int, StepSetMode, (int fd, mode_t mode), fd, mode)
+STEP(int, StepSetOwner, (int fd, uid_t owner, gid_t group), fd, owner, group)
+STEP(int, StepCopyAttributes, (const std::string& from, int fd), from, fd)
+STEP(int, StepName, (int fd, const std::string& to), fd, to)
+STEP(int, StepRename, (const std::string& from, const std::string& to), from, to)
+STEP(int, StepLink, (const std::string& from, const std::string& to), from, to)
+STEP(int, StepDelete, (const std::string& path), path)
+#undef STEP
 
 ssize_t StepWrite(int fd, const char* data, size_t size)
 {
-    if (Fails()) {
-        // A disk that fills up takes a part first.
-        const ssize_t taken = write(fd, data, size / 2);
-        (void)taken;
-        errno = scripted::FailError != 0 ? scripted::FailError : ENOSPC;
-        return -1;
-    }
-    return write(fd, data, size);
-}
-
-int StepSync(int fd)
-{
-    return Fails() ? -1 : fsync(fd);
+    const bool fails = Fails("StepWrite");
+    const int error = errno;
+    // A disk that fills up takes a part first.
+    const ssize_t taken = own::StepWrite(fd, data, fails ? size / 2 : size);
+    errno = fails ? error : errno;
+    return fails ? -1 : taken;
 }
 
 int StepClose(int fd)
 {
-    const bool fails = Fails();
+    const bool fails = Fails("StepClose");
     const int error = errno;
-    const int result = close(fd);
+    const int result = own::StepClose(fd);
     errno = fails ? error : errno;
     return fails ? -1 : result;
-}
-
-int StepSetMode(int fd, mode_t mode)
-{
-    return Fails() ? -1 : fchmod(fd, mode);
-}
-
-int StepRename(const std::string& from, const std::string& to)
-{
-    return Fails() ? -1 : rename(from.c_str(), to.c_str());
-}
-
-int StepLink(const std::string& from, const std::string& to)
-{
-    if (Fails()) {
-        return -1;
-    }
-    if (scripted::NoLinks) {
-        errno = EPERM;
-        return -1;
-    }
-    return link(from.c_str(), to.c_str());
-}
-
-int StepDelete(const std::string& path)
-{
-    return Fails() ? -1 : unlink(path.c_str());
 }

@@ -4,8 +4,9 @@
 
 #include <QApplication>
 
-#include "app/frmSetup.h"
-#include "app/modStatus.h"
+#include "app/modFrontEnd.h"
+#include "modEvents.h"
+#include "modSetup.h"
 
 int main(int argc, char* argv[])
 {

@@ -13,15 +13,16 @@
 #include <QTabBar>
 #include <QTabWidget>
 
+#include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
-#include "app/modStatus.h"
-#include "interaction/modTools.h"
-#include "render/modViewFlags.h"
+#include "modDrag.h"
+#include "modSession.h"
+#include "modViewFlags.h"
 
 UiWindow::UiWindow(const std::string& commandLine)
 {
-    ResetScene();
-    ResetTools();
+    ResetSession();
+    ResetDrag();
     ResetViewFlags();
     LogDirty = false;
     StopRequested = false;
@@ -36,7 +37,7 @@ UiWindow::~UiWindow()
         window->close();
     }
     window.reset();
-    ResetScene();
+    ResetSession();
 }
 
 void UiWindow::Edit(int row) const

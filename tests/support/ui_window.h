@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "interaction/frmMain.h"
+#include "main/frmMain.h"
 #include "support/temp_folder.h"
 #include "ui/dialog_steps.h"
 

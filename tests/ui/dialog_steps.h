@@ -1,5 +1,9 @@
 #pragma once
 
+#include <deque>
+#include <functional>
+#include <utility>
+
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -9,10 +13,6 @@
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
-
-#include <deque>
-#include <functional>
-#include <utility>
 
 // Answers the modal dialogs that a call under test opens: one step for each dialog, in the order in which they come up.
 // Make it before the call; when it goes out of scope, every step must have run.

@@ -8,14 +8,16 @@
 #include <QListWidget>
 #include <QRadioButton>
 
+#include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
 #include "dialogs/frmAbout.h"
+#include "dialogs/frmBones.h"
 #include "dialogs/frmGLInfo.h"
-#include "platform/qt/modFit.h"
+#include "dialogs/frmMeshes.h"
+#include "dialogs/frmMirror.h"
+#include "dialogs/modFit.h"
+#include "modSession.h"
 #include "ui/dialog_steps.h"
-#include "weights/frmBones.h"
-#include "weights/frmMeshes.h"
-#include "weights/frmMirror.h"
 #include "weights/modBoneAlias.h"
 #include "weights/modMirror.h"
 #include "weights/modWeights.h"
@@ -24,8 +26,8 @@ namespace {
 
 class Dialogs : public testing::Test {
 protected:
-    Dialogs() { ResetScene(); }
-    ~Dialogs() override { ResetScene(); }
+    Dialogs() { ResetSession(); }
+    ~Dialogs() override { ResetSession(); }
 
     static void AddMesh(const char* name) { Meshes.Add().Name = name; }
     static void AddBone(const char* name, const char* alias, float x)

@@ -1,3 +1,6 @@
+#include <filesystem>
+#include <fstream>
+
 #include <gtest/gtest.h>
 
 #include <QAbstractItemView>
@@ -11,12 +14,11 @@
 #include <QMessageBox>
 #include <QTemporaryDir>
 
-#include <filesystem>
-#include <fstream>
-
-#include "platform/modDialogs.h"
-#include "platform/modFiles.h"
-#include "platform/modOpen.h"
+#include "app/modFrontEnd.h"
+#include "dialogs/modBoxes.h"
+#include "dialogs/modFileChooser.h"
+#include "modDesktop.h"
+#include "modFiles.h"
 #include "ui/dialog_steps.h"
 
 namespace {
@@ -236,7 +238,7 @@ TEST_F(Chooser, TheDesktopsHandlerGetsTheTargetAndIsNotWaitedFor)
     qputenv("PATH", before);
     std::string target;
     std::string error;
-    EXPECT_TRUE(QTest::qWaitFor([&] { return ReadFile(note, &target, &error); }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ReadWhole(note, &target, &error); }));
     EXPECT_EQ(target, "/tmp/a b/readme.html");
 }
 

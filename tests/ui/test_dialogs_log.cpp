@@ -6,9 +6,9 @@
 #include <QTest>
 #include <QTextBlock>
 
-#include "app/frmLog.h"
-#include "app/modApp.h"
-#include "app/modStatus.h"
+#include "app/modFrontEnd.h"
+#include "dialogs/frmLog.h"
+#include "main/modApp.h"
 
 namespace {
 

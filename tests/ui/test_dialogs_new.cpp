@@ -1,3 +1,5 @@
+#include <fstream>
+
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
@@ -9,13 +11,12 @@
 #include <QMessageBox>
 #include <QTemporaryDir>
 
-#include <fstream>
-
+#include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
-#include "app/modStatus.h"
 #include "dialogs/frmNew.h"
-#include "interaction/frmMain.h"
-#include "platform/modFiles.h"
+#include "main/frmMain.h"
+#include "modFiles.h"
+#include "modSession.h"
 #include "ui/dialog_steps.h"
 
 namespace {
@@ -33,7 +34,7 @@ protected:
           PresetPath(Folder + "/" + Preset + ".PRESET"),
           ModelPath(Files.path().toStdString() + "/skin.mvm")
     {
-        ResetScene();
+        ResetSession();
         std::ofstream(PresetPath) << presetText;
         std::ofstream(ModelPath) << modelText;
         LastPath = Files.path().toStdString();
@@ -42,7 +43,7 @@ protected:
     {
         QFile::remove(QString::fromStdString(PresetPath));
         ForgetNewDialog();
-        ResetScene();
+        ResetSession();
     }
 
     void Browse(QDialog* dialog) const { Press(dialog, "cmdBrowse"); }

@@ -13,10 +13,9 @@
 #include <QToolButton>
 
 #include "app/modMvmDef.h"
-#include "interaction/modCamera.h"
-#include "interaction/modTools.h"
+#include "modCamera.h"
+#include "modDrag.h"
 #include "support/ui_window.h"
-#include "weights/modEdit.h"
 
 namespace {
 

@@ -1,4 +1,6 @@
 // Menus, layout and captions of the main window.
+#include <utility>
+
 #include <QAction>
 #include <QDir>
 #include <QLabel>
@@ -15,15 +17,14 @@
 #include <QTabWidget>
 #include <QToolButton>
 
-#include <utility>
-
-#include "app/modApp.h"
+#include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
-#include "app/modStatus.h"
-#include "interaction/frmMainMenu.h"
-#include "interaction/modCamera.h"
-#include "interaction/modTools.h"
-#include "render/modViewFlags.h"
+#include "main/frmMainMenu.h"
+#include "main/modApp.h"
+#include "modCamera.h"
+#include "modDrag.h"
+#include "modEvents.h"
+#include "modViewFlags.h"
 #include "support/ui_window.h"
 
 namespace {

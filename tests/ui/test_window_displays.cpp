@@ -3,6 +3,9 @@
 #include <array>
 #include <cmath>
 
+#include <GL/gl.h>
+#include <GL/glu.h>
+
 #include <QAction>
 #include <QGuiApplication>
 #include <QImage>
@@ -10,15 +13,11 @@
 #include <QWindow>
 
 #include "app/modMvmDef.h"
-#include "interaction/modCamera.h"
-#include "render/modGLState.h"
-#include "render/modOpenGL.h"
-#include "render/modViewFlags.h"
+#include "modCamera.h"
+#include "modGLState.h"
+#include "modOpenGL.h"
+#include "modViewFlags.h"
 #include "support/ui_window.h"
-#include "weights/modEdit.h"
-
-#include <GL/gl.h>
-#include <GL/glu.h>
 
 namespace {
 

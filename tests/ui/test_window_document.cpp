@@ -6,10 +6,10 @@
 #include <QListWidget>
 #include <QMessageBox>
 
-#include "app/frmLog.h"
+#include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
-#include "app/modStatus.h"
-#include "platform/modFiles.h"
+#include "dialogs/frmLog.h"
+#include "modFiles.h"
 #include "support/ui_window.h"
 #include "weights/modEdit.h"
 

@@ -9,12 +9,12 @@
 #include <QToolButton>
 #include <QWheelEvent>
 
-#include "app/frmLog.h"
 #include "app/modMvmDef.h"
-#include "interaction/modCamera.h"
-#include "interaction/modConsole.h"
-#include "interaction/modTools.h"
-#include "render/modViewFlags.h"
+#include "dialogs/frmLog.h"
+#include "modCamera.h"
+#include "modConsole.h"
+#include "modDrag.h"
+#include "modViewFlags.h"
 #include "support/ui_window.h"
 #include "weights/modMirror.h"
 

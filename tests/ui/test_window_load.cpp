@@ -10,12 +10,14 @@
 #include <QToolButton>
 #include <QWheelEvent>
 
+#include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
-#include "app/modStatus.h"
-#include "interaction/frmMainMenu.h"
+#include "main/frmMainMenu.h"
 #include "model/modMvmRead.h"
 #include "model/modMvmWrite.h"
-#include "platform/modFiles.h"
+#include "modEvents.h"
+#include "modFiles.h"
+#include "support/model_text.h"
 #include "support/ui_window.h"
 
 namespace {

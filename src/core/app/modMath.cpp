@@ -1,0 +1,31 @@
+#include "app/modMath.h"
+
+#include <cmath>
+
+namespace {
+
+constexpr double pi = 3.14159265358979;
+
+} // namespace
+
+double VecAngle(const Vec3& a, const Vec3& b)
+{
+    return ArcCos(static_cast<float>(VecDot(VecNormalize(a), VecNormalize(b))));
+}
+
+double ArcCos(float x)
+{
+    if (x == 1) {
+        return 0;
+    }
+    if (x == -1) {
+        return 3.1415927;
+    }
+    const double wide = x;
+    return pi / 2 - std::atan(wide / std::sqrt(1 - wide * wide));
+}
+
+bool IsPowerOfTwo(int32_t value)
+{
+    return value >= 2 && (value & (value - 1)) == 0;
+}

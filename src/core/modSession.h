@@ -1,0 +1,4 @@
+#pragma once
+
+/// Puts the scene, the aliases and the options of the core to the state in which the program starts.
+void ResetSession();

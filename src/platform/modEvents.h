@@ -1,4 +1,0 @@
-#pragma once
-
-/// Serves the pending events of the window system.
-void PumpEvents();

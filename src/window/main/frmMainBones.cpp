@@ -1,0 +1,77 @@
+#include <QMouseEvent>
+#include <QSignalBlocker>
+
+#include "dialogs/modDialogParts.h"
+#include "dialogs/modFit.h"
+#include "main/frmMain.h"
+#include "weights/modEdit.h"
+
+BoneList::BoneList(QWidget* parent) : QListWidget(parent)
+{
+    setUniformItemSizes(true);
+    KeepRowSelected(this);
+}
+
+void BoneList::mousePressEvent(QMouseEvent* event)
+{
+    const int before = currentRow();
+    QListWidget::mousePressEvent(event);
+    MainForm()->ListDragging = true;
+    if (currentRow() == before) {
+        MainForm()->BoneList_Click(this);
+    }
+}
+
+void BoneList::mouseMoveEvent(QMouseEvent* event)
+{
+    const int before = currentRow();
+    QListWidget::mouseMoveEvent(event);
+    if (MainForm()->ListDragging && currentRow() == before) {
+        MainForm()->BoneList_Click(this);
+    }
+}
+
+void BoneList::mouseReleaseEvent(QMouseEvent* event)
+{
+    QListWidget::mouseReleaseEvent(event);
+    MainForm()->ListDragging = false;
+}
+
+void frmMain::BoneList_Click(const BoneList* list)
+{
+    if (const QListWidgetItem* item = list->currentItem()) {
+        SetActiveBone(static_cast<int16_t>(item->data(Qt::UserRole).toInt()));
+    }
+}
+
+void SetBoneRows(int16_t list, const std::vector<BoneRow>& rows)
+{
+    const frmMain* window = MainForm();
+    if (window == nullptr) {
+        return;
+    }
+    BoneList* widget = window->ListOf(list);
+    const QSignalBlocker quiet(widget);
+    widget->clear();
+    for (const BoneRow& row : rows) {
+        auto* item = new QListWidgetItem(RowText(row.Text), widget);
+        item->setData(Qt::UserRole, row.Number);
+    }
+    widget->setCurrentRow(-1);
+}
+
+void SelectBoneRow(int16_t list, int32_t number)
+{
+    const frmMain* window = MainForm();
+    if (window == nullptr) {
+        return;
+    }
+    BoneList* widget = window->ListOf(list);
+    const QSignalBlocker quiet(widget);
+    for (int row = 0; row < widget->count(); row++) {
+        if (widget->item(row)->data(Qt::UserRole).toInt() == number) {
+            widget->setCurrentRow(row);
+            return;
+        }
+    }
+}

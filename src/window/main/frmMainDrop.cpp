@@ -1,0 +1,65 @@
+#include <QApplication>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QTimer>
+
+#include "app/modFrontEnd.h"
+#include "app/modMisc.h"
+#include "main/frmMain.h"
+#include "model/modStrings.h"
+
+namespace {
+
+/// The path of the first file of a drop in the file system's encoding, byte by byte; empty when there is none.
+std::string FirstFile(const QMimeData& data)
+{
+    for (QByteArray line : data.data(QStringLiteral("text/uri-list")).split('\n')) {
+        line = line.trimmed();
+        if (line.isEmpty() || line.startsWith('#')) {
+            continue;
+        }
+        if (!line.toLower().startsWith("file:")) {
+            return {};
+        }
+        line.remove(0, 5);
+        if (line.startsWith("//")) {
+            const qsizetype path = line.indexOf('/', 2);
+            line.remove(0, path < 0 ? line.size() : path);
+        }
+        return std::string(TextBeforeNull(QByteArray::fromPercentEncoding(line).toStdString()));
+    }
+    return {};
+}
+
+} // namespace
+
+void frmMain::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls()) {
+        event->acceptProposedAction();
+    }
+}
+
+void frmMain::dropEvent(QDropEvent* event)
+{
+    const std::string path = FirstFile(*event->mimeData());
+    event->acceptProposedAction();
+    if (!path.empty()) {
+        // The program that the file came from waits until this event is answered, so the load comes behind it.
+        QTimer::singleShot(0, this, [this, path] { DropFile(path); });
+    }
+}
+
+void frmMain::DropFile(const std::string& path)
+{
+    if (unloaded || !FileExists(path) || LowerCase(ExtensionOf(path)) != "mvm") {
+        return;
+    }
+    if (Busy() || QApplication::activeModalWidget() != nullptr) {
+        SetPanelText("toolhelp", "The dropped file was not opened: the program is busy.");
+        return;
+    }
+    if (CloseModel()) {
+        OpenFile(path);
+    }
+}

@@ -1,0 +1,218 @@
+#include <array>
+#include <cstring>
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QToolButton>
+#include <QWheelEvent>
+
+#include "app/modFrontEnd.h"
+#include "dialogs/modBoxes.h"
+#include "main/frmMain.h"
+#include "modCamera.h"
+#include "modConsole.h"
+#include "modDrag.h"
+#include "modViewFlags.h"
+
+namespace {
+
+constexpr int32_t codeCtrl = 17;
+constexpr int32_t codeF11 = 122;
+
+/// The keys of a Latin keyboard by their place: what lies on a row, from the scan code of its first key on.
+struct KeyRow {
+    quint32 First;
+    const char* Keys;
+};
+constexpr KeyRow digitRow = {10, "1234"};
+constexpr std::array<KeyRow, 3> letterRows = {{{24, "QWERTYUIOP"}, {38, "ASDFGHJKL"}, {52, "ZXCVBNM"}}};
+
+int32_t KeyInRow(const KeyRow& row, quint32 scan)
+{
+    const bool held = scan >= row.First && scan - row.First < std::strlen(row.Keys);
+    return held ? row.Keys[scan - row.First] : 0;
+}
+
+/// The code of the key under the finger where the layout gives none: a digit that Shift or the layout has made a sign,
+/// a letter of an alphabet other than the Latin one. 0 for other keys.
+int32_t CodeOfPlace(const QKeyEvent& event)
+{
+    static const bool known = QGuiApplication::platformName() == QStringLiteral("xcb") ||
+                              QGuiApplication::platformName().startsWith(QStringLiteral("wayland"));
+    if (!known) {
+        return 0;
+    }
+    constexpr int lastLatin = 0x24F;
+    if (event.key() > lastLatin && event.key() < Qt::Key_Escape) {
+        for (const KeyRow& row : letterRows) {
+            if (const int32_t key = KeyInRow(row, event.nativeScanCode())) {
+                return key;
+            }
+        }
+    }
+    return KeyInRow(digitRow, event.nativeScanCode());
+}
+
+int32_t CodeOf(const QKeyEvent& event)
+{
+    if (event.modifiers().testFlag(Qt::KeypadModifier)) {
+        return 0;
+    }
+    const int key = event.key();
+    if (key == Qt::Key_Control) {
+        return codeCtrl;
+    }
+    if (key == Qt::Key_F11) {
+        return codeF11;
+    }
+    if ((key >= Qt::Key_A && key <= Qt::Key_Z) || (key >= Qt::Key_0 && key <= Qt::Key_9)) {
+        return key;
+    }
+    return CodeOfPlace(event);
+}
+
+} // namespace
+
+void frmMain::picMain_KeyDown(int32_t code)
+{
+    if (CtrlHeld) {
+        return;
+    }
+    switch (code) {
+    case codeCtrl:
+        CtrlHeld = true;
+        break;
+    case 'C':
+        SetCamera(CurrentCamera >= CameraCount ? int16_t{1} : static_cast<int16_t>(CurrentCamera + 1));
+        break;
+    case 'P':
+        SetCamera(1);
+        break;
+    case 'O':
+        SetCamera(2);
+        break;
+    case 'F':
+        SetCamera(3);
+        break;
+    case 'B':
+        SetCamera(CurrentCamera == 4 ? 8 : 4);
+        break;
+    case 'L':
+        SetCamera(5);
+        break;
+    case 'R':
+        SetCamera(6);
+        break;
+    case 'T':
+        SetCamera(7);
+        break;
+    case 'W':
+        SetWire(!ViewWire);
+        break;
+    case 'V':
+        ToggleFlag(&ViewCullVerts, "mnuViewCullVerts");
+        break;
+    case '1':
+        SetToolMode(0);
+        break;
+    case '2':
+        if (CurrentCamera < 3) {
+            SetToolMode(1);
+        }
+        break;
+    case '3':
+        SetToolMode(2);
+        break;
+    case '4':
+        SetToolMode(3);
+        break;
+    case codeF11:
+        OpenConsole();
+        break;
+    default:
+        break;
+    }
+    Redraw(true);
+}
+
+void frmMain::OpenConsole()
+{
+    const std::string input = AskText("Command", "Command:", LastCommand);
+    if (!input.empty()) {
+        LastCommand = input;
+        RunCommand(input);
+    }
+}
+
+void frmMain::keyPressEvent(QKeyEvent* event)
+{
+    // What a list or the toolbar leaves over comes here too, and is not for the view.
+    const QWidget* focus = focusWidget();
+    if (focus == nullptr || focus == this || focus == centralWidget()) {
+        picMain_KeyDown(CodeOf(*event));
+    }
+    QMainWindow::keyPressEvent(event);
+}
+
+bool frmMain::eventFilter(QObject* watched, QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::KeyPress: {
+        const int32_t code = CodeOf(*static_cast<QKeyEvent*>(event));
+        picMain_KeyDown(code);
+        // The others still press buttons and move the focus.
+        return code != 0;
+    }
+    case QEvent::KeyRelease:
+        // A held key repeats as releases too, though the finger has not left it.
+        if (watched == picMain && !static_cast<QKeyEvent*>(event)->isAutoRepeat()) {
+            CtrlHeld = false;
+        }
+        return false;
+    case QEvent::Wheel:
+        if (watched == tabMain->tabBar()) {
+            wheelEvent(static_cast<QWheelEvent*>(event));
+            return true;
+        }
+        return false;
+    default:
+        break;
+    }
+    if (watched != picMain) {
+        return QMainWindow::eventFilter(watched, event);
+    }
+    switch (event->type()) {
+    case QEvent::FocusIn:
+    case QEvent::FocusOut:
+        viewEdge->setAutoFillBackground(event->type() == QEvent::FocusIn);
+        viewEdge->update();
+        return false;
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::MouseButtonRelease: {
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        if (!(mouse->button() & (Qt::LeftButton | Qt::RightButton | Qt::MiddleButton))) {
+            return false;
+        }
+        if (event->type() == QEvent::MouseButtonRelease) {
+            picMain_MouseUp(mouse->position());
+        } else {
+            picMain->setFocus();
+            picMain_MouseDown(mouse->button(), mouse->position(), mouse->globalPosition().toPoint());
+        }
+        return true;
+    }
+    case QEvent::MouseMove: {
+        const auto* mouse = static_cast<QMouseEvent*>(event);
+        if (!(mouse->buttons() & (Qt::LeftButton | Qt::MiddleButton))) {
+            CancelDrag();
+        }
+        picMain_MouseMove(mouse->position());
+        return true;
+    }
+    default:
+        return QMainWindow::eventFilter(watched, event);
+    }
+}

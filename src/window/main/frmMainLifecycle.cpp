@@ -1,0 +1,130 @@
+#include <string>
+#include <utility>
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QElapsedTimer>
+#include <QListWidget>
+#include <QOpenGLWidget>
+#include <QScreen>
+#include <QWindow>
+
+#include "app/modFrontEnd.h"
+#include "app/modMvmDef.h"
+#include "dialogs/frmLog.h"
+#include "main/frmMain.h"
+#include "main/modApp.h"
+#include "modEvents.h"
+#include "modFiles.h"
+#include "modOpenGL.h"
+#include "weights/modEdit.h"
+
+namespace {
+
+/// How long a start waits for the window manager to put the window on the screen.
+constexpr qint64 patience = 1000;
+
+void WaitUntilShown(const QWindow& window)
+{
+    QElapsedTimer time;
+    time.start();
+    while (!window.isExposed() && time.elapsed() < patience) {
+        QApplication::processEvents(QEventLoop::AllEvents, 10);
+    }
+    PumpEvents();
+}
+
+} // namespace
+
+void frmMain::Start(const std::string& commandLine)
+{
+    resize(660, 508);
+    setMinimumSize(660, 508);
+    move(screen()->availableGeometry().center() - QPoint(330, 254));
+    winId();
+    if (auto* view = qobject_cast<QOpenGLWidget*>(picMain)) {
+        // A first picture that nobody sees makes the context, so that it stands before the window shows.
+        LayOut();
+        view->grabFramebuffer();
+    }
+    InitApp();
+    ReadFlagsFromTicks();
+    SetCamera(1);
+    SetToolMode(0);
+    lstAnimation->addItem(QStringLiteral("NONE"));
+    SetCaption();
+    FillBoneLists();
+    LastPath = ProgramFolder();
+    // The window's first picture waits for a model that is there at once; a longer load shows it as it goes on.
+    setUpdatesEnabled(false);
+    show();
+    // The driver makes ready for the grid and the label while the window manager brings up the window.
+    MakeViewCurrent();
+    PaintFrame();
+    WaitUntilShown(*windowHandle());
+    FitFrame();
+    PumpEvents();
+    setUpdatesEnabled(true);
+    if (!unloaded) {
+        OpenCommandLine(commandLine);
+    }
+    if (!unloaded && IsInfoLogVisible()) {
+        FocusInfoLog();
+    }
+}
+
+void frmMain::OpenCommandLine(const std::string& commandLine)
+{
+    std::string path = commandLine;
+    std::erase(path, '"');
+    if (!path.empty()) {
+        OpenFile(path);
+    }
+}
+
+void frmMain::closeEvent(QCloseEvent* event)
+{
+    if (unloaded) {
+        event->accept();
+        return;
+    }
+    if (Busy()) {
+        StopRequested = true;
+        closeWhenDone = true;
+        SetPanelText("toolhelp", "Closing...");
+        event->ignore();
+        return;
+    }
+    // A dialog or question that stands is a command half done; it must end before what it works on goes.
+    if (QApplication::activeModalWidget() != nullptr) {
+        SetPanelText("toolhelp", "Please answer the open dialog first.");
+        event->ignore();
+        return;
+    }
+    if (ModelOpen && !ConfirmDiscard()) {
+        event->ignore();
+        return;
+    }
+    unloaded = true;
+    setAcceptDrops(false);
+    ShutdownApp();
+    event->accept();
+}
+
+bool frmMain::ServeEvents()
+{
+    BeginBusy();
+    PumpEvents();
+    EndBusy();
+    return !EndAfterStop();
+}
+
+bool frmMain::EndAfterStop()
+{
+    StopRequested = false;
+    if (!std::exchange(closeWhenDone, false)) {
+        return false;
+    }
+    close();
+    return unloaded;
+}

@@ -1,0 +1,54 @@
+#include "main/frmView.h"
+
+#include <GL/gl.h>
+
+#include <QOffscreenSurface>
+#include <QOpenGLContext>
+
+#include "modOpenGL.h"
+#include "modViewFlags.h"
+
+QSurfaceFormat ViewFormat()
+{
+    QSurfaceFormat format;
+    format.setRenderableType(QSurfaceFormat::OpenGL);
+    format.setProfile(QSurfaceFormat::CompatibilityProfile);
+    format.setSwapBehavior(QSurfaceFormat::DoubleBuffer);
+    format.setDepthBufferSize(24);
+    format.setSamples(0);
+    return format;
+}
+
+bool CanHaveView()
+{
+    QOpenGLContext context;
+    context.setFormat(ViewFormat());
+    if (!context.create() || context.isOpenGLES() || context.format().profile() == QSurfaceFormat::CoreProfile) {
+        return false;
+    }
+    QOffscreenSurface surface;
+    surface.setFormat(context.format());
+    surface.create();
+    if (!surface.isValid() || !context.makeCurrent(&surface)) {
+        return false;
+    }
+    context.doneCurrent();
+    return true;
+}
+
+GLView::GLView(QWidget* parent) : QOpenGLWidget(parent)
+{
+    setFormat(ViewFormat());
+    setTextureFormat(GL_RGB8);
+}
+
+void GLView::paintGL()
+{
+    // The window has moved to a screen with another scale.
+    const auto scale = static_cast<float>(devicePixelRatioF());
+    if (GLContext && scale != PixelScale) {
+        PixelScale = scale;
+        ResizeViewport(qRound(width() * devicePixelRatioF()), qRound(height() * devicePixelRatioF()));
+    }
+    PaintFrame();
+}

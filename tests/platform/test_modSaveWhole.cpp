@@ -1,0 +1,290 @@
+#include <new>
+
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include "modFiles.h"
+#include "support/apart.h"
+#include "support/fresh.h"
+
+using testing::ElementsAre;
+using testing::IsSubsetOf;
+using testing::UnorderedElementsAre;
+
+namespace {
+
+constexpr const char* oldContent = "the old content, which is the longer one";
+constexpr const char* newContent = "new content";
+
+class Saving : public FreshFolder {
+protected:
+    void SetUp() override
+    {
+        std::filesystem::create_directory(Folder / "spare");
+        setenv("TMPDIR", (Folder / "spare").c_str(), 1);
+    }
+    void TearDown() override { unsetenv("TMPDIR"); }
+
+    bool Save(const std::string& path, const std::string& guard = "")
+    {
+        Rest = {};
+        Error.clear();
+        const auto writeParts = [](const PartWriter& write) {
+            write("new ");
+            write("content");
+        };
+        return SaveWhole(path, guard, writeParts, &Rest, &Error);
+    }
+
+    /// A fresh folder with the file "a" in it.
+    [[nodiscard]] std::string WithOld(const std::string& name) const
+    {
+        const std::string folder = Folder / name;
+        std::filesystem::remove_all(folder);
+        std::filesystem::create_directory(folder);
+        PutFile(folder + "/a", oldContent);
+        return folder + "/";
+    }
+
+    SaveRest Rest;
+};
+
+struct stat StatusOf(const std::string& path)
+{
+    struct stat status {};
+    EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
+    return status;
+}
+
+std::vector<std::string> NamesIn(const std::string& folder)
+{
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        names.push_back(entry.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string Attribute(const std::string& path, const char* name)
+{
+    std::string value(64, '\0');
+    const ssize_t size = getxattr(path.c_str(), name, value.data(), value.size());
+    value.resize(size > 0 ? static_cast<size_t>(size) : 0);
+    return value;
+}
+
+} // namespace
+
+TEST_F(Saving, ANewFileHasWhatTheSystemGivesNewFiles)
+{
+    const mode_t mask = umask(027);
+    ASSERT_TRUE(Save(Folder / "b\xFF name"));
+    umask(mask);
+    EXPECT_EQ(Content(Folder / "b\xFF name"), newContent);
+    EXPECT_EQ(StatusOf(Folder / "b\xFF name").st_mode & 07777U, 0640U);
+    EXPECT_THAT(Folder.Names(), UnorderedElementsAre("b\xFF name", "spare"));
+}
+
+TEST_F(Saving, KeepsOwnerGroupModeAttributesAndOtherNames)
+{
+    for (const bool linked : {false, true}) {
+        const std::string folder = WithOld("there");
+        const std::string path = folder + "a";
+        const bool administrator = getuid() == 0;
+        ASSERT_EQ(chown(path.c_str(), administrator ? 1001 : getuid(), administrator ? 1002 : getgid()), 0);
+        ASSERT_EQ(chmod(path.c_str(), 02764), 0);
+        const bool attributes = setxattr(path.c_str(), "user.note", "of the user", 11, 0) == 0;
+        if (linked) {
+            std::filesystem::create_hard_link(path, folder + "second");
+        }
+        const struct stat before = StatusOf(path);
+        ASSERT_TRUE(Save(path, path + ".old")) << Error;
+        const struct stat after = StatusOf(path);
+        EXPECT_EQ(Content(path), newContent);
+        EXPECT_EQ(Content(folder + "second"), linked ? newContent : "(none)");
+        EXPECT_EQ(after.st_uid, before.st_uid);
+        EXPECT_EQ(after.st_gid, before.st_gid);
+        EXPECT_EQ(after.st_mode, before.st_mode);
+        EXPECT_EQ(Attribute(path, "user.note"), attributes ? "of the user" : "");
+        EXPECT_EQ(NamesIn(folder).size(), linked ? 2U : 1U);
+    }
+}
+
+TEST_F(Saving, WritesInPlaceWhatItCannotReplace)
+{
+    if (getuid() != 0) {
+        GTEST_SKIP() << "Other users' files can be made by the administrator alone.";
+    }
+    const std::string folder = WithOld("there");
+    const std::string path = folder + "a";
+    const struct {
+        const char* Case;
+        uid_t Owner;
+        mode_t Folder;
+    } cases[] = {{"another's file that all may write", 1001, 0777},
+                 {"in a sticky folder", 1001, 01777},
+                 {"a folder that is not writable", 65534, 0555}};
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.Case);
+        PutFile(path, oldContent);
+        ASSERT_EQ(chown(path.c_str(), row.Owner, 1002), 0);
+        ASSERT_EQ(chmod(path.c_str(), 0666), 0);
+        ASSERT_EQ(chmod(folder.c_str(), row.Folder), 0);
+        ASSERT_EQ(chmod(Folder.Path.c_str(), 0755), 0);
+        ASSERT_EQ(chmod((Folder / "spare").c_str(), 01777), 0);
+        Apart([&] {
+            ASSERT_TRUE(setgid(65534) == 0 && setuid(65534) == 0);
+            ASSERT_TRUE(Save(path, path + ".old")) << Error;
+            EXPECT_EQ(Content(path), newContent);
+            EXPECT_EQ(StatusOf(path).st_uid, row.Owner);
+            EXPECT_EQ(StatusOf(path).st_gid, 1002U);
+            EXPECT_THAT(NamesIn(folder), ElementsAre("a"));
+            EXPECT_THAT(NamesIn(Folder / "spare"), ElementsAre());
+        });
+    }
+}
+
+TEST_F(Saving, NeedsNoRoomForAGuardNorForAName)
+{
+    const std::string folder = WithOld("there");
+    std::filesystem::create_directory(folder + "a.old");
+    EXPECT_TRUE(Save(folder + "a", folder + "a.old")) << Error;
+    EXPECT_EQ(Content(folder + "a"), newContent);
+
+    const std::string longest = folder + std::string(255, 'n');
+    EXPECT_TRUE(Save(longest, longest + ".old")) << Error;
+    PutFile(longest, oldContent);
+    EXPECT_TRUE(Save(longest, longest + ".old")) << Error;
+    EXPECT_EQ(Content(longest), newContent);
+
+    // A link to the very name that the guard would take.
+    std::filesystem::create_symlink("a", folder + "link");
+    PutFile(folder + "a", oldContent);
+    EXPECT_TRUE(Save(folder + "link", folder + "a"));
+    EXPECT_EQ(Content(folder + "a"), newContent);
+    EXPECT_EQ(NamesIn(folder).size(), 4U);
+}
+
+TEST_F(Saving, GoesThroughLinks)
+{
+    std::filesystem::create_directory(Folder / "sub");
+    PutFile(Folder / "sub/a", oldContent);
+    std::filesystem::create_symlink("sub/a", Folder / "second");
+    std::filesystem::create_symlink(Folder / "second", Folder / "first");
+    std::filesystem::create_symlink("sub/missing", Folder / "dangling");
+    ASSERT_TRUE(Save(Folder / "first"));
+    EXPECT_EQ(Content(Folder / "sub/a"), newContent);
+    ASSERT_TRUE(Save(Folder / "dangling"));
+    EXPECT_EQ(Content(Folder / "sub/missing"), newContent);
+    for (const char* name : {"first", "second", "dangling"}) {
+        EXPECT_TRUE(std::filesystem::is_symlink(Folder / name)) << name;
+    }
+}
+
+TEST_F(Saving, WritesNothingButFiles)
+{
+    std::filesystem::create_directory(Folder / "sub");
+    ASSERT_EQ(mkfifo((Folder / "pipe").c_str(), 0600), 0);
+    std::filesystem::create_symlink("/dev/full", Folder / "device");
+    std::filesystem::create_symlink("loop", Folder / "loop");
+    const std::pair<std::string, const char*> cases[] = {
+        {"", "No such file or directory"},         {std::string("a\0b", 3), "Invalid argument"},
+        {Folder / "sub", "Is a directory"},        {Folder / "sub/", "Is a directory"},
+        {Folder / "none/", "Is a directory"},      {Folder / "none/a", "No such file or directory"},
+        {Folder / "pipe", "Not a regular file"},   {"/dev/full", "Not a regular file"},
+        {Folder / "device", "Not a regular file"}, {Folder / "loop", "Too many levels of symbolic links"}};
+    for (const auto& [path, words] : cases) {
+        EXPECT_FALSE(Save(path)) << path;
+        EXPECT_EQ(Error, words) << path;
+    }
+    EXPECT_THAT(Folder.Names(), UnorderedElementsAre("sub", "pipe", "device", "loop", "spare"));
+}
+
+// Each step fails in turn, alone or with all that follow it, on file systems of several kinds. The name holds one whole
+// content that fits the answer, what stays is told, and the next save leaves nothing of it.
+TEST_F(Saving, EveryFailureLeavesOneWholeContent)
+{
+    const std::set<std::string> missing[] = {
+        {}, {"StepOpenUnnamed"}, {"StepLink"}, {"StepOpenUnnamed", "StepOpenNew"}, {"StepRename"}, {"StepSetMode"}};
+    for (int situation = 0; situation < 3 * 6 * 2 * 2; ++situation) {
+        const int kind = situation % 3; // no file, a file, a file with a second name
+        const bool later = situation / 3 % 2 == 1;
+        const bool guarded = situation / 6 % 2 == 1;
+        for (int step = 1;; ++step) {
+            SCOPED_TRACE("situation " + std::to_string(situation) + ", step " + std::to_string(step));
+            const std::string folder = WithOld("there");
+            const std::string path = folder + "a";
+            if (kind == 0) {
+                std::filesystem::remove(path);
+            } else if (kind == 2) {
+                std::filesystem::create_hard_link(path, folder + "second");
+            }
+            scripted::MissingSteps = missing[situation / 12];
+            scripted::Steps = 0;
+            scripted::FailAt = step;
+            scripted::FailAfter = later;
+            const bool good = Save(path, guarded ? path + ".old" : "");
+            const bool reached = scripted::Steps >= step;
+            scripted::FailAt = 0;
+            scripted::MissingSteps.clear();
+
+            EXPECT_EQ(Error.empty(), good);
+            const std::string content = Content(Rest.Torn ? Rest.Guard : path);
+            const char* const before = kind == 0 ? "(none)" : oldContent;
+            EXPECT_TRUE(content == (good ? newContent : before) || (later && content == newContent)) << content;
+            std::vector<std::string> allowed = {"a", "second"};
+            if (!Rest.Guard.empty()) {
+                EXPECT_NE(Content(Rest.Guard), "(none)");
+                allowed.push_back("a.old");
+            }
+            if (!later && missing[situation / 12].empty()) {
+                EXPECT_THAT(NamesIn(folder), IsSubsetOf(allowed));
+                EXPECT_FALSE(Rest.Torn);
+            }
+            EXPECT_EQ(NamesIn(Folder / "spare").size(), Rest.Guard.starts_with(Folder / "spare") ? 1U : 0U);
+            std::filesystem::remove_all(Folder / "spare");
+            std::filesystem::create_directory(Folder / "spare");
+            if (!reached) {
+                break;
+            }
+            EXPECT_TRUE(Save(path, path + ".old"));
+            EXPECT_THAT(NamesIn(folder), IsSubsetOf({"a", "second"}));
+        }
+    }
+}
+
+TEST_F(Saving, ContentThatCannotBeMadeLeavesTheOldFile)
+{
+    for (const bool linked : {false, true}) {
+        const std::string folder = WithOld("there");
+        if (linked) {
+            std::filesystem::create_hard_link(folder + "a", folder + "second");
+        }
+        const auto writeParts = [](const PartWriter& write) {
+            write("new");
+            throw std::bad_alloc();
+        };
+        EXPECT_THROW(SaveWhole(folder + "a", folder + "a.old", writeParts, &Rest, &Error), std::bad_alloc);
+        EXPECT_EQ(Content(folder + "a"), oldContent);
+        EXPECT_EQ(NamesIn(folder).size(), linked ? 2U : 1U);
+    }
+}
+
+TEST_F(Saving, RemovesWhatDeadProcessesLeft)
+{
+    const std::string folder = WithOld("there");
+    const pid_t dead = fork();
+    if (dead == 0) {
+        _exit(0);
+    }
+    Await(dead);
+    const std::string gone = ".a." + std::to_string(dead) + ".tmp";
+    const std::string alive = ".a." + std::to_string(getppid()) + ".tmp";
+    for (const std::string& name : {gone, alive, std::string(".a.x.tmp"), std::string(".b.1.tmp")}) {
+        PutFile(folder + name, "");
+    }
+    ASSERT_TRUE(Save(folder + "a"));
+    EXPECT_THAT(NamesIn(folder), UnorderedElementsAre("a", alive, ".a.x.tmp", ".b.1.tmp"));
+}

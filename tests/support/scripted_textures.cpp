@@ -1,0 +1,11 @@
+#include "app/modFrontEnd.h"
+
+// Pictures where there is no OpenGL.
+
+bool MakeGLTexture(const Bitmap&, uint32_t* name, std::string*)
+{
+    *name = 0;
+    return true;
+}
+
+void DeleteGLTexture(uint32_t) {}
