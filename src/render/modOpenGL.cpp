@@ -126,6 +126,38 @@ void DrawRubberBand()
     glDisable(GL_LINE_STIPPLE);
 }
 
+/// Where sample `i` of a picture enlarged by `scale` begins in the picture itself.
+double SourceOf(int i, double scale)
+{
+    return i / scale;
+}
+
+/// The label of a camera enlarged by `scale`, each pixel the mean of what it covers: at a scale that is no whole number,
+/// strokes of whole pixels would be thick and thin by turns.
+std::vector<uint8_t> EnlargedLabel(const uint8_t* label, double scale, int width, int height)
+{
+    std::vector<uint8_t> enlarged;
+    enlarged.reserve(static_cast<size_t>(width) * static_cast<size_t>(height));
+    const auto share = [scale](int i, int source) {
+        return std::max(0.0,
+                        std::min(SourceOf(i + 1, scale), source + 1.0) - std::max(SourceOf(i, scale), source * 1.0));
+    };
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            double sum = 0;
+            for (int v = static_cast<int>(SourceOf(y, scale)); v < std::min(labelHeight * 1.0, SourceOf(y + 1, scale));
+                 ++v) {
+                for (int u = static_cast<int>(SourceOf(x, scale));
+                     u < std::min(labelWidth * 1.0, SourceOf(x + 1, scale)); ++u) {
+                    sum += share(x, u) * share(y, v) * label[v * labelWidth + u];
+                }
+            }
+            enlarged.push_back(static_cast<uint8_t>(std::lround(std::min(sum * scale * scale, 255.0))));
+        }
+    }
+    return enlarged;
+}
+
 void DrawCameraLabel()
 {
     if (CurrentCamera < 1 || CurrentCamera > CameraCount) {
@@ -136,10 +168,14 @@ void DrawCameraLabel()
     glEnable(GL_BLEND);
     glColor3f(1, 1, 1);
     glRasterPos2i(5, 21);
-    glPixelZoom(PixelScale, PixelScale);
     const int image = (CameraCount - CurrentCamera) * labelWidth * labelHeight;
-    glDrawPixels(labelWidth, labelHeight, GL_LUMINANCE, GL_UNSIGNED_BYTE, &CameraLabels[static_cast<size_t>(image)]);
-    glPixelZoom(1, 1);
+    const uint8_t* label = &CameraLabels[static_cast<size_t>(image)];
+    const auto width = static_cast<int>(std::floor(labelWidth * PixelScale));
+    const auto height = static_cast<int>(std::floor(labelHeight * PixelScale));
+    const std::vector<uint8_t> enlarged = EnlargedLabel(label, PixelScale, width, height);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    glDrawPixels(width, height, GL_LUMINANCE, GL_UNSIGNED_BYTE, enlarged.data());
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
     glDisable(GL_BLEND);
 }
 

@@ -1,9 +1,25 @@
+#include <cstdio>
 #include <string>
 
 #include <QApplication>
 
 #include "main/frmMain.h"
 #include "modSetup.h"
+
+namespace {
+
+/// The toolkit ends the program when it finds no screen; its own words do not say what to do about it.
+void TellWhatIsMissing(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text)
+{
+    std::fprintf(stderr, "%s\n", qPrintable(text));
+    if (type == QtFatalMsg && qEnvironmentVariableIsSet("WAYLAND_DISPLAY") && !qEnvironmentVariableIsSet("DISPLAY")) {
+        std::fprintf(stderr,
+                     "This desktop is a Wayland one without X. Please install the toolkit's part for it (the package "
+                     "\"qt6-wayland\" on Debian and Ubuntu, \"qt6-qtwayland\" on Fedora) and start again.\n");
+    }
+}
+
+} // namespace
 
 int main(int argc, char* argv[])
 {
@@ -13,7 +29,9 @@ int main(int argc, char* argv[])
         commandLine += (i > 1 ? " " : "") + std::string(argv[i]);
     }
     int ownArguments = argc > 0 ? 1 : 0;
+    const QtMessageHandler usual = qInstallMessageHandler(TellWhatIsMissing);
     QApplication application(ownArguments, argv);
+    qInstallMessageHandler(usual);
     PrepareApplication();
 
     frmMain window;

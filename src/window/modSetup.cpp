@@ -4,10 +4,25 @@
 
 #include <QApplication>
 #include <QFile>
-#include <QStyleFactory>
+#include <QProxyStyle>
 
 #include "dialogs/modFit.h"
 #include "main/frmView.h"
+
+namespace {
+
+/// Fusion with plain buttons in every dialog, whatever the desktop puts on those of its own.
+class PlainStyle : public QProxyStyle {
+public:
+    PlainStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* returned) const override
+    {
+        return hint == SH_DialogButtonBox_ButtonsHaveIcons ? 0 : QProxyStyle::styleHint(hint, option, widget, returned);
+    }
+};
+
+} // namespace
 
 void PrepareApplication()
 {
@@ -15,7 +30,7 @@ void PrepareApplication()
     std::setlocale(LC_NUMERIC, "C");
     QApplication::setApplicationName(QStringLiteral("beastwright"));
     QGuiApplication::setDesktopFileName(QStringLiteral("example.beastwright.Beastwright"));
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new PlainStyle);
     QApplication::setFont(WindowFont());
     QSurfaceFormat::setDefaultFormat(ViewFormat());
 }

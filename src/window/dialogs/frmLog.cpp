@@ -18,8 +18,9 @@
 namespace {
 
 constexpr qsizetype charactersPerTurn = 200'000;
-// The field lays a line out as a whole. A name of many megabytes, which a file can hold, would stop the window.
-constexpr size_t longestLine = 20'000;
+// The field lays a line out as a whole. A name of many megabytes, which a file can hold, would stop the window, so it goes
+// on in rows of its own.
+constexpr qsizetype longestRow = 1'000'000;
 
 class LogWindow : public QWidget {
 public:
@@ -74,8 +75,12 @@ LogWindow::LogWindow() : txtLog(new QPlainTextEdit(this))
 
 void LogWindow::Add(const std::string& text)
 {
-    waiting += QString::fromUtf8(text.data(), static_cast<qsizetype>(std::min(text.size(), longestLine)));
-    waiting += text.size() > longestLine ? QStringLiteral(" ...\n") : QStringLiteral("\n");
+    QString line = QString::fromStdString(text);
+    for (qsizetype at = longestRow; at < line.size(); at += longestRow + 1) {
+        line.insert(at, u'\n');
+    }
+    line += u'\n';
+    waiting += line;
     turn.start();
 }
 

@@ -10,6 +10,7 @@
 
 #include "dialogs/modDialogParts.h"
 #include "dialogs/modFit.h"
+#include "modCommand.h"
 #include "modOwner.h"
 #include "weights/modMirror.h"
 
@@ -38,9 +39,11 @@ void ShowMirrorDialog()
 
     const OkCancel buttons = MakeOkCancel(&dialog);
     QObject::connect(buttons.Ok, &QPushButton::clicked, &dialog, [&] {
-        MirrorWeights({.LeftToRight = leftToRight->isChecked(),
-                       .Reassign = reassign->isChecked(),
-                       .Unassign = unassign->isChecked()});
+        Perform("MirrorWeights", [&] {
+            MirrorWeights({.LeftToRight = leftToRight->isChecked(),
+                           .Reassign = reassign->isChecked(),
+                           .Unassign = unassign->isChecked()});
+        });
         dialog.accept();
     });
 

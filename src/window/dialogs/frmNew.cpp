@@ -8,6 +8,7 @@
 #include <QListWidget>
 #include <QPointer>
 #include <QPushButton>
+#include <QScopeGuard>
 
 #include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
@@ -15,6 +16,7 @@
 #include "dialogs/modFileChooser.h"
 #include "dialogs/modFit.h"
 #include "modCodePage.h"
+#include "modCommand.h"
 #include "model/modMvmRead.h"
 #include "modFiles.h"
 #include "modOwner.h"
@@ -28,6 +30,7 @@ public:
     explicit NewDialog(QWidget* owner);
     void ListPresets();
     void reject() override;
+    void CentreOnOwner();
 
     bool Loaded = false; ///< preset and model stand in the scene
     bool Keep = false;   ///< hidden after a failed load; comes back as it was
@@ -86,10 +89,19 @@ NewDialog::NewDialog(QWidget* owner)
     cmdOK->setDefault(true);
     cmdBrowse->setFocus();
 
-    connect(cmdBrowse, &QPushButton::clicked, this, [this] { Browse(); });
+    connect(cmdBrowse, &QPushButton::clicked, this, [this] { Perform("cmdBrowse", [this] { Browse(); }); });
     connect(lstPresets, &QListWidget::itemSelectionChanged, this, [this] { SelectionChanged(); });
-    connect(cmdOK, &QPushButton::clicked, this, [this] { Load(); });
+    connect(cmdOK, &QPushButton::clicked, this, [this] { Perform("cmdOK", [this] { Load(); }); });
     connect(cmdCancel, &QPushButton::clicked, this, [this] { reject(); });
+}
+
+// The toolkit guesses the frame of a dialog that is not yet on the screen, and guesses anew when it comes back. Both windows
+// have the frame of one window manager, so centre lies on centre when the areas inside the frames do.
+void NewDialog::CentreOnOwner()
+{
+    const QPoint corner = parentWidget()->geometry().center() - rect().center();
+    const QPoint frame = parentWidget()->geometry().topLeft() - parentWidget()->frameGeometry().topLeft();
+    move(corner - frame);
 }
 
 void NewDialog::ListPresets()
@@ -160,18 +172,20 @@ void NewDialog::Load()
     cancelled = false;
     Keep = false;
     setEnabled(false);
+    const auto ended = qScopeGuard([this] {
+        loading = false;
+        setEnabled(true);
+        if (!Loaded) {
+            ClearModel();
+            Redraw(true);
+        }
+        if (cancelled) {
+            StopRequested = false;
+        }
+        hide();
+    });
     Loaded = LoadStep(preset, "Cannot load selected preset. Please verify the content of this file.") &&
              LoadStep(model, "Cannot load skin model file. Please verify the content of this file.");
-    loading = false;
-    setEnabled(true);
-    if (!Loaded) {
-        ClearModel();
-        Redraw(true);
-    }
-    if (cancelled) {
-        StopRequested = false;
-    }
-    hide();
 }
 
 // Closing the dialog during a load stops the load, and the dialog goes when it has ended.
@@ -194,6 +208,7 @@ bool ShowNewDialog()
         newDialog->ListPresets();
     }
     newDialog->Keep = false;
+    newDialog->CentreOnOwner();
     newDialog->exec();
     if (newDialog.isNull()) {
         return false; // the program went down under the open dialog

@@ -78,7 +78,8 @@ void ShowMessage(BoxIcon icon, const std::string& text)
 
 BoxAnswer AskYesNoCancel(BoxIcon icon, const std::string& text)
 {
-    switch (ShowBox(icon, text, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes,
+    // Every such question stands before a loss of work, so a hasty Enter must not be a Yes.
+    switch (ShowBox(icon, text, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Cancel,
                     QMessageBox::Cancel)) {
     case QMessageBox::Yes:
         return BoxAnswer::Yes;

@@ -66,6 +66,9 @@ public:
     void EndBusy();
     /// Also when a load that failed has left its progress open.
     void EndAllBusy();
+    /// After an exception: closes what was opened above `depth`, the progress bar too when nothing is left.
+    void EndBusyDownTo(int depth);
+    [[nodiscard]] int BusyDepth() const { return busyDepth; }
     [[nodiscard]] bool Busy() const { return busyDepth > 0; }
 
     // Menu (interaction/frmMainMenu.cpp).
@@ -80,8 +83,10 @@ public:
     void picMain_MouseDown(Qt::MouseButton button, QPointF position, QPoint screen);
     void picMain_MouseMove(QPointF position);
     void picMain_MouseUp(QPointF position);
-    /// Ends a drag whose release will not come, without picking.
-    void CancelDrag();
+    /// Ends a drag whose release will not come, without picking. True when there was one.
+    bool CancelDrag();
+    /// Ends drags in the view and in the lists: what was begun on one scene must not end on another.
+    void CancelGestures();
 
     // Keyboard and console (interaction/frmMainKeys.cpp). Codes are 'A' to 'Z', '0' to '9', 17 Ctrl, 122 F11, 0 other.
     void picMain_KeyDown(int32_t code);
@@ -183,10 +188,14 @@ private:
     void BuildPanel();
     void ConnectCommands();
     void SetAccess();
+    /// Takes what hangs on the desktop's colours anew.
+    void FollowTheme();
     void EnableDocument(bool open, bool revert);
     void OpenCommandLine(const std::string& commandLine);
     /// Serves what waits in the middle of a command, without letting another command in. False when the program ended.
     [[nodiscard]] bool ServeEvents();
+    /// Ends the program, unless the user or what is under way objects.
+    void Unload(QCloseEvent* event);
     /// Ends the program when the window was closed during the long operation that has just ended.
     [[nodiscard]] bool EndAfterStop();
 
@@ -197,6 +206,7 @@ private:
     QMargins frameMargins;             ///< the frame that FitFrame has last seen
     bool closeWhenDone = false;        ///< the window was closed while busy
     bool unloaded = false;
+    bool resized = false; ///< no frame has been shown in the new size
 };
 
 /// The main window, or null before it stands and after it has gone.

@@ -4,6 +4,7 @@
 #include "dialogs/modDialogParts.h"
 #include "dialogs/modFit.h"
 #include "main/frmMain.h"
+#include "modCommand.h"
 #include "weights/modEdit.h"
 
 BoneList::BoneList(QWidget* parent) : QListWidget(parent)
@@ -40,7 +41,7 @@ void BoneList::mouseReleaseEvent(QMouseEvent* event)
 void frmMain::BoneList_Click(const BoneList* list)
 {
     if (const QListWidgetItem* item = list->currentItem()) {
-        SetActiveBone(static_cast<int16_t>(item->data(Qt::UserRole).toInt()));
+        Perform("BoneList", [item] { SetActiveBone(static_cast<int16_t>(item->data(Qt::UserRole).toInt())); });
     }
 }
 

@@ -1,3 +1,5 @@
+#include <utility>
+
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QButtonGroup>
@@ -14,9 +16,11 @@
 #include <QTabWidget>
 #include <QToolButton>
 
+#include "app/modFrontEnd.h"
 #include "dialogs/modFit.h"
 #include "main/frmMain.h"
 #include "main/frmView.h"
+#include "modCommand.h"
 #include "modOwner.h"
 #include "modSetup.h"
 
@@ -65,17 +69,22 @@ QIcon ToolIcon(const QString& name, bool onDark)
     return icon;
 }
 
+/// On a dark desktop the style's own shade for a button that is down can hardly be told from the others.
+void ShadeDown(QAbstractButton* button)
+{
+    QPalette colors;
+    if (button->isChecked() && IsDark(button->parentWidget())) {
+        colors.setColor(QPalette::Button, colors.color(QPalette::Highlight).darker());
+    }
+    button->setPalette(colors);
+}
+
 /// Makes the button that is down the one of its group that Tab stops at; the arrow keys go to the others.
 void StopAtChecked(QButtonGroup* group, Qt::FocusPolicy others)
 {
     const auto set = [others](QAbstractButton* button, bool down) {
         button->setFocusPolicy(down ? static_cast<Qt::FocusPolicy>(others | Qt::TabFocus) : others);
-        // On a dark desktop the style's own shade for a button that is down can hardly be told from the others.
-        QPalette colors;
-        if (down && IsDark(button)) {
-            colors.setColor(QPalette::Button, colors.color(QPalette::Highlight).darker());
-        }
-        button->setPalette(colors);
+        ShadeDown(button);
     };
     for (QAbstractButton* button : group->buttons()) {
         set(button, button->isChecked());
@@ -135,6 +144,7 @@ frmMain::frmMain()
     txtProgress->raise();
     ConnectCommands();
     SetAccess();
+    FollowTheme();
     MainWindow = this;
     SetCaption();
 }
@@ -150,7 +160,15 @@ void frmMain::BuildView()
     viewEdge->setObjectName(QStringLiteral("viewEdge"));
     viewEdge->setBackgroundRole(QPalette::Highlight);
     if (CanHaveView()) {
-        picMain = new GLView(centralWidget());
+        auto* view = new GLView(centralWidget());
+        picMain = view;
+        // A driver may learn the new size of a window with the swap of its buffers alone, so the first picture of a size
+        // can stand too low; the second one is right.
+        connect(view, &QOpenGLWidget::frameSwapped, this, [this] {
+            if (std::exchange(resized, false)) {
+                Redraw(true);
+            }
+        });
     } else {
         picMain = new QWidget(centralWidget());
         QPalette grey = picMain->palette();
@@ -186,7 +204,6 @@ void frmMain::BuildPanel()
     for (size_t i = 0; i < keys.size(); i++) {
         auto* button = new QToolButton(tlbMain);
         button->setObjectName(QString::fromUtf8(keys[i]));
-        button->setIcon(ToolIcon(button->objectName(), IsDark(tlbMain)));
         button->setIconSize(QSize(16, 16));
         button->setCheckable(true);
         button->setAutoRaise(true);
@@ -195,7 +212,19 @@ void frmMain::BuildPanel()
         toolButtons[i] = button;
     }
     StopAtChecked(group, Qt::NoFocus);
-    connect(group, &QButtonGroup::idClicked, this, [this](int tool) { SetToolMode(static_cast<int16_t>(tool)); });
+    connect(group, &QButtonGroup::idClicked, this,
+            [this](int tool) { Perform("tlbMain", [&] { SetToolMode(static_cast<int16_t>(tool)); }); });
+}
+
+void frmMain::FollowTheme()
+{
+    for (QToolButton* button : toolButtons) {
+        button->setIcon(ToolIcon(button->objectName(), IsDark(tlbMain)));
+        ShadeDown(button);
+    }
+    for (QPushButton* button : fraEditing->findChildren<QPushButton*>()) {
+        ShadeDown(button);
+    }
 }
 
 void frmMain::BuildStatus()
@@ -255,7 +284,8 @@ void frmMain::BuildEditing()
     fraEditing->hide();
     QButtonGroup* targets = AddOptions<2>(fraEditing, "optShadow", {"Skin Mesh", "Shadow Mesh"},
                                           {QRect(0, 0, 82, 25), QRect(82, 0, 81, 25)}, &optShadow, 0);
-    connect(targets, &QButtonGroup::idClicked, this, [this](int i) { optShadow_Click(static_cast<int16_t>(i)); });
+    connect(targets, &QButtonGroup::idClicked, this,
+            [this](int i) { Perform("optShadow", [&] { optShadow_Click(static_cast<int16_t>(i)); }); });
     labMisc = AddLabel(fraEditing, "labMisc1", "Active Bone:", QRect(0, 32, 61, 13));
     lstSkinBones = new BoneList(fraEditing);
     lstSkinBones->setObjectName(QStringLiteral("lstSkinBones"));
@@ -279,13 +309,15 @@ void frmMain::BuildEditing()
     QButtonGroup* modes =
         AddOptions<3>(Frame1, "optMode", {"Normal", "Shaded", "Both"},
                       {QRect(0, 0, 54, 25), QRect(54, 0, 55, 25), QRect(109, 0, 54, 25)}, &optMode, 2);
-    connect(modes, &QButtonGroup::idClicked, this, [this](int i) { optMode_Click(static_cast<int16_t>(i)); });
+    connect(modes, &QButtonGroup::idClicked, this,
+            [this](int i) { Perform("optMode", [&] { optMode_Click(static_cast<int16_t>(i)); }); });
 }
 
 void frmMain::ConnectCommands()
 {
     const auto command = [this](QPushButton* button, void (frmMain::*handler)()) {
-        connect(button, &QPushButton::clicked, this, [this, handler] { (this->*handler)(); });
+        connect(button, &QPushButton::clicked, this,
+                [this, button, handler] { Perform(qPrintable(button->objectName()), [&] { (this->*handler)(); }); });
     };
     command(cmdSelectSkinMesh, &frmMain::cmdSelectSkinMesh_Click);
     command(cmdSelectShadowMesh, &frmMain::cmdSelectShadowMesh_Click);
@@ -295,7 +327,8 @@ void frmMain::ConnectCommands()
     command(cmdMirror, &frmMain::cmdMirror_Click);
     command(cmdLoadWeights, &frmMain::cmdLoadWeights_Click);
     command(cmdSaveWeights, &frmMain::cmdSaveWeights_Click);
-    connect(tabMain, &QTabWidget::currentChanged, this, [this](int index) { tabMain_Click(index); });
+    connect(tabMain, &QTabWidget::currentChanged, this,
+            [this](int index) { Perform("tabMain", [&] { tabMain_Click(index); }); });
     for (BoneList* list : {lstSkinBones, lstShadowBones}) {
         connect(list, &QListWidget::currentRowChanged, this, [this, list] { BoneList_Click(list); });
     }
@@ -305,6 +338,7 @@ void frmMain::ConnectCommands()
     }
     tabMain->tabBar()->installEventFilter(this);
     picMain->installEventFilter(this);
+    mnuViewCamera->installEventFilter(this);
 }
 
 void frmMain::SetAccess()

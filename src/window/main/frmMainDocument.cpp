@@ -50,6 +50,7 @@ void frmMain::OpenFile(const std::string& filename)
     BeginBusy();
     const bool loaded = LoadMVM(filename);
     EndAllBusy();
+    CancelGestures();
     if (EndAfterStop()) {
         return;
     }
@@ -82,6 +83,7 @@ bool frmMain::CloseModel()
     if (!ConfirmDiscard()) {
         return false;
     }
+    CancelGestures();
     ForgetModel();
     SavedSkinBone = SavedShadowBone = 0;
     SetCaption();
@@ -100,7 +102,14 @@ void frmMain::mnuFileNew_Click()
     }
     const bool loaded = ShowNewDialog();
     EndAllBusy();
-    if (EndAfterStop() || !loaded) {
+    CancelGestures();
+    if (EndAfterStop()) {
+        return;
+    }
+    if (LogDirty) {
+        ShowInfoLog();
+    }
+    if (!loaded) {
         return;
     }
     ModelOpen = true;

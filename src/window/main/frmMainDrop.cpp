@@ -6,6 +6,7 @@
 #include "app/modFrontEnd.h"
 #include "app/modMisc.h"
 #include "main/frmMain.h"
+#include "modCommand.h"
 #include "model/modStrings.h"
 
 namespace {
@@ -46,7 +47,7 @@ void frmMain::dropEvent(QDropEvent* event)
     event->acceptProposedAction();
     if (!path.empty()) {
         // The program that the file came from waits until this event is answered, so the load comes behind it.
-        QTimer::singleShot(0, this, [this, path] { DropFile(path); });
+        QTimer::singleShot(0, this, [this, path] { Perform("DropFile", [&] { DropFile(path); }); });
     }
 }
 

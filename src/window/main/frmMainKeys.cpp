@@ -3,6 +3,7 @@
 
 #include <QGuiApplication>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QToolButton>
@@ -12,6 +13,7 @@
 #include "dialogs/modBoxes.h"
 #include "main/frmMain.h"
 #include "modCamera.h"
+#include "modCommand.h"
 #include "modConsole.h"
 #include "modDrag.h"
 #include "modViewFlags.h"
@@ -151,7 +153,7 @@ void frmMain::keyPressEvent(QKeyEvent* event)
     // What a list or the toolbar leaves over comes here too, and is not for the view.
     const QWidget* focus = focusWidget();
     if (focus == nullptr || focus == this || focus == centralWidget()) {
-        picMain_KeyDown(CodeOf(*event));
+        Perform("picMain_KeyDown", [&] { picMain_KeyDown(CodeOf(*event)); });
     }
     QMainWindow::keyPressEvent(event);
 }
@@ -161,7 +163,7 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event)
     switch (event->type()) {
     case QEvent::KeyPress: {
         const int32_t code = CodeOf(*static_cast<QKeyEvent*>(event));
-        picMain_KeyDown(code);
+        Perform("picMain_KeyDown", [&] { picMain_KeyDown(code); });
         // The others still press buttons and move the focus.
         return code != 0;
     }
@@ -180,6 +182,14 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event)
     default:
         break;
     }
+    if (watched == mnuViewCamera) {
+        // The menu that came up during a drag takes the release that ends it.
+        if (event->type() == QEvent::MouseButtonRelease && MouseButton != 0) {
+            const QPoint screen = static_cast<QMouseEvent*>(event)->globalPosition().toPoint();
+            Perform("picMain_MouseUp", [&] { picMain_MouseUp(picMain->mapFromGlobal(screen)); });
+        }
+        return false;
+    }
     if (watched != picMain) {
         return QMainWindow::eventFilter(watched, event);
     }
@@ -197,10 +207,11 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event)
             return false;
         }
         if (event->type() == QEvent::MouseButtonRelease) {
-            picMain_MouseUp(mouse->position());
+            Perform("picMain_MouseUp", [&] { picMain_MouseUp(mouse->position()); });
         } else {
             picMain->setFocus();
-            picMain_MouseDown(mouse->button(), mouse->position(), mouse->globalPosition().toPoint());
+            Perform("picMain_MouseDown",
+                    [&] { picMain_MouseDown(mouse->button(), mouse->position(), mouse->globalPosition().toPoint()); });
         }
         return true;
     }
@@ -209,7 +220,7 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event)
         if (!(mouse->buttons() & (Qt::LeftButton | Qt::MiddleButton))) {
             CancelDrag();
         }
-        picMain_MouseMove(mouse->position());
+        Perform("picMain_MouseMove", [&] { picMain_MouseMove(mouse->position()); });
         return true;
     }
     default:

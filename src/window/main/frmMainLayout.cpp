@@ -91,6 +91,7 @@ void frmMain::resizeEvent(QResizeEvent* event)
     }
     FitFrame();
     LayOut();
+    resized = true;
 }
 
 void frmMain::moveEvent(QMoveEvent* event)
@@ -102,11 +103,16 @@ void frmMain::moveEvent(QMoveEvent* event)
 void frmMain::changeEvent(QEvent* event)
 {
     QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && MainForm() != nullptr) {
+        FollowTheme();
+    }
     if (event->type() == QEvent::WindowStateChange && isMinimized() && IsInfoLogVisible()) {
         HideInfoLog();
     }
     if (event->type() == QEvent::ActivationChange && !isActiveWindow()) {
-        CancelDrag();
+        if (CancelDrag()) {
+            SetPanelText("toolhelp", "The drag was given up: another window came to the front.");
+        }
         ListDragging = false;
     }
 }

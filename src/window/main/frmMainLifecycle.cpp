@@ -14,6 +14,7 @@
 #include "dialogs/frmLog.h"
 #include "main/frmMain.h"
 #include "main/modApp.h"
+#include "modCommand.h"
 #include "modEvents.h"
 #include "modFiles.h"
 #include "modOpenGL.h"
@@ -66,7 +67,7 @@ void frmMain::Start(const std::string& commandLine)
     PumpEvents();
     setUpdatesEnabled(true);
     if (!unloaded) {
-        OpenCommandLine(commandLine);
+        Perform("OpenFile", [&] { OpenCommandLine(commandLine); });
     }
     if (!unloaded && IsInfoLogVisible()) {
         FocusInfoLog();
@@ -84,25 +85,26 @@ void frmMain::OpenCommandLine(const std::string& commandLine)
 
 void frmMain::closeEvent(QCloseEvent* event)
 {
-    if (unloaded) {
-        event->accept();
-        return;
+    event->setAccepted(unloaded);
+    if (!unloaded) {
+        Perform("mnuFileExit", [this, event] { Unload(event); });
     }
+}
+
+void frmMain::Unload(QCloseEvent* event)
+{
     if (Busy()) {
         StopRequested = true;
         closeWhenDone = true;
         SetPanelText("toolhelp", "Closing...");
-        event->ignore();
         return;
     }
     // A dialog or question that stands is a command half done; it must end before what it works on goes.
     if (QApplication::activeModalWidget() != nullptr) {
         SetPanelText("toolhelp", "Please answer the open dialog first.");
-        event->ignore();
         return;
     }
     if (ModelOpen && !ConfirmDiscard()) {
-        event->ignore();
         return;
     }
     unloaded = true;

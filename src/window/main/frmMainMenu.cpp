@@ -11,6 +11,7 @@
 #include "dialogs/frmGLInfo.h"
 #include "dialogs/modReports.h"
 #include "main/frmMain.h"
+#include "modCommand.h"
 #include "modViewFlags.h"
 
 namespace {
@@ -131,7 +132,8 @@ void frmMain::BuildMenu()
             action->setCheckable(entry.Start == unticked || entry.Start == ticked);
             action->setChecked(entry.Start == ticked);
             action->setEnabled(entry.Start != disabled);
-            connect(action, &QAction::triggered, this, [this, &entry] { entry.Handler(*this); });
+            connect(action, &QAction::triggered, this,
+                    [this, &entry] { Perform(entry.Name, [&] { entry.Handler(*this); }); });
         }
         action->setObjectName(QString::fromUtf8(entry.Name));
         if (depth == 0) {

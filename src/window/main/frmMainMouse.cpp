@@ -9,6 +9,7 @@
 #include "app/modFrontEnd.h"
 #include "main/frmMain.h"
 #include "modCamera.h"
+#include "modCommand.h"
 #include "modDrag.h"
 #include "modOpenGL.h"
 #include "modPick.h"
@@ -121,13 +122,21 @@ void frmMain::picMain_MouseUp(QPointF position)
     Redraw(true);
 }
 
-void frmMain::CancelDrag()
+bool frmMain::CancelDrag()
 {
-    if (MouseButton != 0) {
-        MouseButton = 0;
-        SetToolMode(ToolMode);
-        Redraw(true);
+    if (MouseButton == 0) {
+        return false;
     }
+    MouseButton = 0;
+    SetToolMode(ToolMode);
+    Redraw(true);
+    return true;
+}
+
+void frmMain::CancelGestures()
+{
+    CancelDrag();
+    ListDragging = false;
 }
 
 void frmMain::MouseWheel(int32_t notches)
@@ -145,7 +154,9 @@ void frmMain::wheelEvent(QWheelEvent* event)
             return;
         }
     }
-    const int distance = event->angleDelta().y();
+    // The toolkit turns the wheel by a quarter while Alt is held.
+    const bool turned = event->modifiers().testFlag(Qt::AltModifier) && event->angleDelta().y() == 0;
+    const int distance = turned ? event->angleDelta().x() : event->angleDelta().y();
     if ((distance > 0) != (wheelRest > 0)) {
         wheelRest = 0;
     }
@@ -153,6 +164,6 @@ void frmMain::wheelEvent(QWheelEvent* event)
     const int32_t notches = wheelRest / notch;
     wheelRest %= notch;
     if (notches != 0) {
-        MouseWheel(notches);
+        Perform("MouseWheel", [&] { MouseWheel(notches); });
     }
 }

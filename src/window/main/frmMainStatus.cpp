@@ -122,6 +122,20 @@ void frmMain::EndAllBusy()
     }
 }
 
+void frmMain::EndBusyDownTo(int depth)
+{
+    while (busyDepth > depth) {
+        EndBusy();
+    }
+    if (busyDepth == 0) {
+        pgbProgress->hide();
+        txtProgress->hide();
+        if (EndAfterStop()) {
+            return;
+        }
+    }
+}
+
 void frmMain::EndBusy()
 {
     if (busyDepth == 0 || --busyDepth > 0) {

@@ -2,9 +2,13 @@
 
 #include <GL/gl.h>
 
+#include <QGuiApplication>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
+#include <QScreen>
 
+#include "app/modFrontEnd.h"
+#include "app/modGuard.h"
 #include "modOpenGL.h"
 #include "modViewFlags.h"
 
@@ -40,6 +44,9 @@ GLView::GLView(QWidget* parent) : QOpenGLWidget(parent)
 {
     setFormat(ViewFormat());
     setTextureFormat(GL_RGB8);
+    // The toolkit's composition of windows loses the view where the screen has no eight bits for each colour.
+    constexpr int fullDepth = 24;
+    setAttribute(Qt::WA_AlwaysStackOnTop, QGuiApplication::primaryScreen()->depth() < fullDepth);
 }
 
 void GLView::paintGL()
@@ -50,5 +57,10 @@ void GLView::paintGL()
         PixelScale = scale;
         ResizeViewport(qRound(width() * devicePixelRatioF()), qRound(height() * devicePixelRatioF()));
     }
-    PaintFrame();
+    try {
+        PaintFrame();
+    } catch (const std::exception& failure) {
+        // A box would ask for the next picture, and that for the next box.
+        SetPanelText("toolhelp", "The view cannot be drawn: " + WordsOf(failure));
+    }
 }
