@@ -9,6 +9,7 @@
 #include <GL/gl.h>
 #include <GL/glu.h>
 
+#include "app/modUndo.h"
 #include "modCamera.h"
 #include "modFaceArrays.h"
 #include "modGLState.h"
@@ -229,6 +230,7 @@ bool InPickRect(int32_t px, int32_t py, int32_t left, int32_t bottom, int32_t ri
 void AssignVertex(int16_t mesh, int32_t vertex)
 {
     if (IsValidMesh(mesh) && Meshes[mesh].VertexBones.Has(vertex)) {
+        Touch(ScenePart::Assignments, mesh);
         Meshes[mesh].VertexBones[vertex] = ActiveBone;
     }
 }

@@ -1,36 +1,136 @@
 #include "modCommand.h"
 
+#include <array>
 #include <cstdio>
+#include <cstring>
+#include <exception>
 #include <string>
+
+#include <QLocale>
 
 #include "app/modFrontEnd.h"
 #include "app/modGuard.h"
 #include "app/modMvmDef.h"
+#include "app/modUndo.h"
 #include "main/frmMain.h"
 #include "weights/modEdit.h"
 
-int BusyDepth()
+namespace {
+
+int depth = 0; ///< commands under way, one inside the other
+
+struct StepLabel {
+    const char* Command;
+    const char* Label;
+};
+
+/// What steps are called by, for the commands that change the scene.
+constexpr std::array<StepLabel, 11> stepLabels = {{
+    {"picMain_MouseUp", "Pick"},
+    {"cmdUnAssign", "Unassign"},
+    {"cmdReAssign", "Re-assign"},
+    {"cmdSwap", "Swap"},
+    {"cmdMirror", "Mirror"},
+    {"cmdLoadWeights", "Load Weights"},
+    {"cmdSelectSkinMesh", "Select Skin Mesh"},
+    {"cmdSelectShadowMesh", "Select Shadow Mesh"},
+    {"mnuToolsRenameMesh", "Rename Mesh"},
+    {"mnuViewToolsRegenNormals", "Re-generate Normals"},
+    {"mnuViewToolsAutoAssign", "Auto-Assign"},
+}};
+
+const char* LabelOf(const char* name)
 {
-    const frmMain* window = MainForm();
-    return window == nullptr ? 0 : window->BusyDepth();
+    for (const StepLabel& row : stepLabels) {
+        if (std::strcmp(row.Command, name) == 0) {
+            return row.Label;
+        }
+    }
+    return name;
 }
 
-void EndFailedCommand(const char* name, const std::exception& failure, int busyDepth) noexcept
+void RunAtDepth(const char* name, const std::function<void()>& command)
 {
+    struct Level {
+        Level() { ++depth; }
+        ~Level() { --depth; }
+        Level(const Level&) = delete;
+        Level& operator=(const Level&) = delete;
+    };
+    const Level level;
+    if (depth > 1) {
+        command();
+    } else {
+        RunStep(LabelOf(name), command);
+    }
+}
+
+void EndFailedCommand(const char* name, const std::exception& failure, int busyDepth)
+{
+    if (frmMain* window = MainForm()) {
+        window->EndBusyDownTo(busyDepth);
+    }
+    ShowMessage(BoxIcon::Stop, "Runtime error in " + std::string(name) + "\n" + WordsOf(failure));
+    if (LogDirty) {
+        ShowInfoLog();
+    }
+    const int16_t bone = ActiveBone;
+    FillBoneLists();
+    SetActiveBone(bone);
+}
+
+void ShowTaken(const std::string& verb, const TakenStep& step)
+{
+    const QString count = QLocale(QLocale::English).toString(step.Vertices);
+    const std::string vertices = step.Vertices == 0   ? ""
+                                 : step.Vertices == 1 ? " (1 vertex)"
+                                                      : " (" + count.toStdString() + " vertices)";
+    MainForm()->ShowTarget(step.EditTarget, step.ActiveBone);
+    SetPanelText("toolhelp", verb + step.Label + vertices);
+}
+
+bool MayStep()
+{
+    return depth == 1 && MainForm() != nullptr && !MainForm()->Busy();
+}
+
+} // namespace
+
+void Perform(const char* name, const std::function<void()>& command)
+{
+    const int busyDepth = MainForm() == nullptr ? 0 : MainForm()->BusyDepth();
     try {
-        if (frmMain* window = MainForm()) {
-            window->EndBusyDownTo(busyDepth);
+        RunAtDepth(name, command);
+    } catch (const std::exception& failure) {
+        // The box and the lists need memory too; where even that is missing, the window stays as it is.
+        try {
+            EndFailedCommand(name, failure, busyDepth);
+        } catch (const std::exception& again) {
+            std::fprintf(stderr, "beastwright: %s: %s\n", name, again.what());
         }
-        ShowMessage(BoxIcon::Stop, "Runtime error in " + std::string(name) + "\n" + WordsOf(failure));
-        if (LogDirty) {
-            ShowInfoLog();
-        }
-        if (MainForm() != nullptr) {
-            const int16_t bone = ActiveBone;
-            FillBoneLists();
-            SetActiveBone(bone);
-        }
-    } catch (const std::exception& again) {
-        std::fprintf(stderr, "beastwright: %s failed: %s\n", name, again.what());
+    }
+}
+
+void UndoCommand()
+{
+    if (!MayStep()) {
+        return;
+    }
+    if (const auto step = UndoStep()) {
+        ShowTaken("Undo: ", *step);
+    } else {
+        SetPanelText("toolhelp", "Nothing to undo.");
+    }
+}
+
+void RedoCommand()
+{
+    if (!MayStep()) {
+        return;
+    }
+    if (const auto step = RedoStep()) {
+        ShowTaken("Redo: ", *step);
+    } else {
+        SetPanelText("toolhelp", "Nothing to redo.");
     }
 }

@@ -1,23 +1,13 @@
 #pragma once
 
-#include <exception>
+#include <functional>
 
-/// How many long operations are under way, one inside the other.
-[[nodiscard]] int BusyDepth();
+/// Runs a command of the window. Whatever the toolkit calls goes through here, since an exception must not run through it:
+/// one ends the command with a stop box that gives `name`, takes back what it changed, and brings the lists, the progress
+/// and the view in line with the scene. What the outermost command changes in the scene is one step to undo; a command
+/// inside it, as of a dialog that it shows, is a part of it.
+void Perform(const char* name, const std::function<void()>& command);
 
-/// Ends a command that an exception has stopped: gives the window back to the user as it was at `busyDepth`, says in a stop
-/// box what went wrong, and brings the lists and the view in line with the scene. Throws nothing.
-void EndFailedCommand(const char* name, const std::exception& failure, int busyDepth) noexcept;
-
-/// Runs a command of the window; whatever the toolkit calls goes through here, since an exception must not run through it.
-/// `name` stands in the box that tells of a failure.
-template <typename Command>
-void Perform(const char* name, Command&& command)
-{
-    const int depth = BusyDepth();
-    try {
-        command();
-    } catch (const std::exception& failure) {
-        EndFailedCommand(name, failure, depth);
-    }
-}
+/// Goes back to the state before the last step, or forward again, and says so in the panel "toolhelp".
+void UndoCommand();
+void RedoCommand();

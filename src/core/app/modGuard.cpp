@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "app/modFrontEnd.h"
+#include "app/modUndo.h"
 
 std::string WordsOf(const std::exception& exception)
 {
@@ -19,6 +20,7 @@ bool RunGuarded(const std::string& lead, const std::function<void()>& operation)
         operation();
         return true;
     } catch (const std::exception& exception) {
+        RollBackStep();
         words = WordsOf(exception);
     }
     ShowMessage(BoxIcon::Stop, lead + "\n" + words);

@@ -1,6 +1,7 @@
 #include "app/modMvmDef.h"
 
 #include "app/modFrontEnd.h"
+#include "app/modUndo.h"
 
 bool IsValidMesh(int32_t index)
 {
@@ -39,6 +40,7 @@ void FreeTextures()
 
 void ClearModel()
 {
+    ForgetSteps();
     FormatVersion.clear();
     Meshes.Clear();
     Bones.Clear();
@@ -52,6 +54,7 @@ void MakeSkin(int16_t meshIndex)
     if (!IsValidMesh(meshIndex) || Meshes[meshIndex].IsSkin) {
         return;
     }
+    Touch(ScenePart::Assignments, meshIndex);
     MvmMesh& mesh = Meshes[meshIndex];
     mesh.VertexBones.Items.assign(mesh.Vertices.Items.size(), 0);
     mesh.IsSkin = true;

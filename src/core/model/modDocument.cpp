@@ -3,6 +3,7 @@
 #include "model/modLostAssignments.h"
 
 #include "app/modFrontEnd.h"
+#include "app/modUndo.h"
 #include "app/modVersion.h"
 #include "model/modMvmWrite.h"
 #include "modFiles.h"
@@ -22,6 +23,7 @@ SaveOutcome SaveModelFile(const std::string& path)
     if (!WriteMVM(path, path + ".old")) {
         return SaveOutcome::Failed;
     }
+    MarkSceneSaved();
     LogLostAssignments();
     return SaveOutcome::Saved;
 }

@@ -11,6 +11,7 @@
 
 #include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
+#include "app/modUndo.h"
 #include "modCodePage.h"
 #include "model/modStrings.h"
 
@@ -133,6 +134,7 @@ void VerifyMeshes()
 
 void SelectSkinMesh(int16_t mesh)
 {
+    Touch(ScenePart::Roles, mesh);
     MakeSkin(mesh);
     SkinMesh = mesh;
     if (!IsValidMesh(mesh)) {
@@ -147,6 +149,7 @@ void SelectSkinMesh(int16_t mesh)
 
 void SelectShadowMesh(int16_t mesh)
 {
+    Touch(ScenePart::Roles, mesh);
     MakeSkin(mesh);
     ShadowMesh = mesh;
     if (IsValidMesh(mesh)) {
@@ -161,6 +164,7 @@ void RenameMesh(int16_t mesh, const std::string& name)
     if (!IsValidMesh(mesh) || newName.empty()) {
         return;
     }
+    Touch(ScenePart::Names, mesh);
     // All texts are made before the first record changes.
     const std::string& oldName = Meshes[mesh].Name;
     std::vector<std::pair<MvmInstance*, std::array<std::string, 2>>> changes;

@@ -11,6 +11,7 @@
 #include "app/modFrontEnd.h"
 #include "app/modGuard.h"
 #include "app/modMvmDef.h"
+#include "app/modUndo.h"
 #include "model/modMvmBind.h"
 #include "model/modMvmLines.h"
 #include "model/modStrings.h"
@@ -209,6 +210,7 @@ bool LoadMVM(const std::string& path)
         return false; // events served by a load must not start another one into the same scene
     }
     const RunningMark mark;
+    ForgetSteps();
     Loading loading;
     std::string error;
     try {

@@ -5,6 +5,7 @@
 
 #include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
+#include "app/modUndo.h"
 #include "modCodePage.h"
 
 std::string BoneLabel(int16_t bone)
@@ -52,6 +53,7 @@ int32_t CountBoneVerts(int16_t mesh, int16_t bone)
 void ReplaceBone(int16_t mesh, int16_t from, int16_t to)
 {
     if (IsValidMesh(mesh)) {
+        Touch(ScenePart::Assignments, mesh);
         Array1<int16_t>& bones = Meshes[mesh].VertexBones;
         std::replace(bones.begin(), bones.end(), from, to);
     }
@@ -60,6 +62,7 @@ void ReplaceBone(int16_t mesh, int16_t from, int16_t to)
 void UnassignAll(int16_t mesh)
 {
     if (IsValidMesh(mesh)) {
+        Touch(ScenePart::Assignments, mesh);
         Array1<int16_t>& bones = Meshes[mesh].VertexBones;
         std::fill(bones.begin(), bones.end(), int16_t{0});
     }
@@ -70,6 +73,7 @@ void SwapBones(int16_t mesh, int16_t a, int16_t b)
     if (!IsValidMesh(mesh)) {
         return;
     }
+    Touch(ScenePart::Assignments, mesh);
     for (int16_t& bone : Meshes[mesh].VertexBones) {
         if (bone == a) {
             bone = b;

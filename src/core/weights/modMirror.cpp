@@ -9,6 +9,7 @@
 #include "app/modFrontEnd.h"
 #include "app/modGuard.h"
 #include "app/modMvmDef.h"
+#include "app/modUndo.h"
 #include "weights/modBoneAlias.h"
 #include "weights/modPointTree.h"
 
@@ -157,6 +158,9 @@ void MirrorWeights(const MirrorOptions& options)
 {
     const int16_t target = TargetMesh();
     if (IsValidMesh(target)) {
-        RunGuarded("MirrorWeights", [&] { MirrorMesh(&Meshes[target], options); });
+        RunGuarded("MirrorWeights", [&] {
+            Touch(ScenePart::Assignments, target);
+            MirrorMesh(&Meshes[target], options);
+        });
     }
 }

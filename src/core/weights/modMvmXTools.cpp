@@ -6,6 +6,7 @@
 #include "app/modFrontEnd.h"
 #include "app/modMath.h"
 #include "app/modMvmDef.h"
+#include "app/modUndo.h"
 #include "weights/modPointTree.h"
 
 namespace {
@@ -77,6 +78,7 @@ void AutoAssign(int16_t mesh)
         }
     }
     const PointTree tree = BuildPointTree(std::move(places));
+    Touch(ScenePart::Assignments, mesh);
     for (int32_t v = 1; v <= skin.VertexBones.Count(); ++v) {
         if (skin.VertexBones[v] == 0) {
             skin.VertexBones[v] = static_cast<int16_t>(NearestPoint(tree, PlaceOf(skin.Vertices[v]), farthest));
@@ -90,6 +92,7 @@ void RegenerateNormals(int16_t mesh)
     if (!IsValidMesh(mesh)) {
         return;
     }
+    Touch(ScenePart::Normals, mesh);
     MvmMesh& shape = Meshes[mesh];
     std::vector<Vec3>& sums = shape.Normals.Items;
     sums.assign(shape.Vertices.Items.size(), Vec3{});

@@ -10,6 +10,7 @@
 #include "app/modFrontEnd.h"
 #include "app/modGuard.h"
 #include "app/modMvmDef.h"
+#include "app/modUndo.h"
 #include "app/modVersion.h"
 #include "model/modLostAssignments.h"
 #include "modFiles.h"
@@ -142,8 +143,9 @@ std::string WeightsBytes(const MvmMesh& mesh)
 }
 
 /// Reads and assigns after the questions that the file raises.
-void ReadWeights(const std::string& file, MvmMesh* mesh)
+void ReadWeights(const std::string& file, int16_t target)
 {
+    MvmMesh* mesh = &Meshes[target];
     std::string bytes;
     std::string error;
     if (!ReadWhole(file, &bytes, &error)) {
@@ -166,6 +168,7 @@ void ReadWeights(const std::string& file, MvmMesh* mesh)
         return;
     }
     const std::vector<WeightsVertex> records = ReadRecords(bytes, *mesh);
+    Touch(ScenePart::Assignments, target);
     if (WeightsAssignMode == 1) {
         AssignByIndex(records, mesh);
     } else {
@@ -228,6 +231,6 @@ void SaveWeights(const std::string& file, int16_t mesh)
 void LoadWeights(const std::string& file, int16_t mesh)
 {
     if (IsValidMesh(mesh)) {
-        RunGuarded("Runtime error in LoadWeights", [&] { ReadWeights(file, &Meshes[mesh]); });
+        RunGuarded("Runtime error in LoadWeights", [&] { ReadWeights(file, mesh); });
     }
 }

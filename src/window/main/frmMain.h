@@ -109,6 +109,8 @@ public:
     void cmdSaveWeights_Click();
     void optShadow_Click(int16_t index);
     void optMode_Click(int16_t index);
+    /// Shows the list of a target, 0 skin or 1 shadow, with a bone as the active one.
+    void ShowTarget(int16_t target, int16_t bone);
     void mnuToolsRenameMesh_Click();
     void mnuViewToolsRegenNormals_Click();
     void mnuViewToolsAutoAssign_Click();

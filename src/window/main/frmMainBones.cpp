@@ -7,6 +7,19 @@
 #include "modCommand.h"
 #include "weights/modEdit.h"
 
+namespace {
+
+/// A drag that ends below the list leaves the current row without selection.
+void SelectCurrent(const QListWidget& list)
+{
+    const QModelIndex current = list.currentIndex();
+    if (current.isValid() && !list.selectionModel()->isSelected(current)) {
+        list.selectionModel()->select(current, QItemSelectionModel::ClearAndSelect);
+    }
+}
+
+} // namespace
+
 BoneList::BoneList(QWidget* parent) : QListWidget(parent)
 {
     setUniformItemSizes(true);
@@ -27,6 +40,7 @@ void BoneList::mouseMoveEvent(QMouseEvent* event)
 {
     const int before = currentRow();
     QListWidget::mouseMoveEvent(event);
+    SelectCurrent(*this);
     if (MainForm()->ListDragging && currentRow() == before) {
         MainForm()->BoneList_Click(this);
     }
@@ -35,6 +49,7 @@ void BoneList::mouseMoveEvent(QMouseEvent* event)
 void BoneList::mouseReleaseEvent(QMouseEvent* event)
 {
     QListWidget::mouseReleaseEvent(event);
+    SelectCurrent(*this);
     MainForm()->ListDragging = false;
 }
 

@@ -3,6 +3,7 @@
 #include "app/modFrontEnd.h"
 #include "app/modMisc.h"
 #include "app/modMvmDef.h"
+#include "app/modUndo.h"
 #include "app/modVersion.h"
 #include "dialogs/frmLog.h"
 #include "dialogs/frmMeshes.h"
@@ -58,6 +59,7 @@ void frmMain::OpenFile(const std::string& filename)
         LastPath = filename;
         CurrentFile = filename;
         ModelOpen = true;
+        MarkSceneSaved();
         if (AliasesOn) {
             ApplyAliases();
         }

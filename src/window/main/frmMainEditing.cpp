@@ -1,3 +1,5 @@
+#include <QPushButton>
+
 #include "app/modFrontEnd.h"
 #include "app/modMisc.h"
 #include "app/modMvmDef.h"
@@ -116,16 +118,19 @@ void frmMain::optShadow_Click(int16_t index)
     if (index == EditTarget) {
         return;
     }
-    EditTarget = index;
-    lstSkinBones->setVisible(index == 0);
-    lstShadowBones->setVisible(index == 1);
-    if (index == 0) {
-        SavedShadowBone = ActiveBone;
-        SetActiveBone(SavedSkinBone);
-    } else {
-        SavedSkinBone = ActiveBone;
-        SetActiveBone(SavedShadowBone);
+    ShowTarget(index, index == 0 ? SavedSkinBone : SavedShadowBone);
+}
+
+void frmMain::ShowTarget(int16_t target, int16_t bone)
+{
+    if (target != EditTarget) {
+        (target == 0 ? SavedShadowBone : SavedSkinBone) = ActiveBone;
+        EditTarget = target;
+        optShadow.at(static_cast<size_t>(target))->setChecked(true);
+        lstSkinBones->setVisible(target == 0);
+        lstShadowBones->setVisible(target == 1);
     }
+    SetActiveBone(bone);
 }
 
 void frmMain::optMode_Click(int16_t index)

@@ -143,6 +143,14 @@ void frmMain::BuildMenu()
         }
     }
     mnuViewCamera = Entry("mnuViewCamera")->menu();
+    // No entry of the menu tells these; the toolkit gives them to a text field first.
+    const auto shortcut = [this](const char* keys, void (*handler)()) {
+        auto* key = new QShortcut(QKeySequence(QString::fromUtf8(keys)), this);
+        connect(key, &QShortcut::activated, this, [handler] { Perform("Undo", handler); });
+    };
+    shortcut("Ctrl+Z", UndoCommand);
+    shortcut("Ctrl+Shift+Z", RedoCommand);
+    shortcut("Ctrl+Y", RedoCommand);
     auto* enterBar = new QShortcut(QKeySequence(Qt::Key_F10), this);
     connect(enterBar, &QShortcut::activated, this, [this] { menuBar()->setActiveAction(Entry("mnuFile")); });
 }

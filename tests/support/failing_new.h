@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+
+// The test's own operator new, which can be told to fail.
+namespace allocation {
+
+inline int FailAt = 0;             ///< the allocation that fails, 1 for the next one; 0 for none
+inline int Seen = 0;               ///< allocations since FailAt was set, while it is not 0
+inline const char* From = nullptr; ///< when set, only those that code between From and To asks for count
+inline const char* To = nullptr;
+
+inline void FailNext(int number)
+{
+    Seen = 0;
+    FailAt = number;
+}
+
+} // namespace allocation

@@ -1,0 +1,111 @@
+// Drags that something cuts short, and presses that end on another widget than they began on.
+#include <QApplication>
+#include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QWheelEvent>
+
+#include "app/modMvmDef.h"
+#include "modCamera.h"
+#include "modDrag.h"
+#include "support/ui_window.h"
+#include "weights/modEdit.h"
+
+namespace {
+
+int Assigned()
+{
+    return IsValidMesh(SkinMesh) ? Meshes[SkinMesh].VertexCount() - CountBoneVerts(SkinMesh, 0) : 0;
+}
+
+} // namespace
+
+TEST(Gestures, ABoxDoesNotOutliveItsScene)
+{
+    const TempFolder folder;
+    const std::string path = folder / "ball.mvm";
+    PutFile(path, BallModel(10));
+    const UiWindow window(path);
+    window.Edit(1);
+    const QPoint corner(2, 2);
+    const QPoint other(window->picMain->width() - 3, window->picMain->height() - 3);
+    const auto boxAround = [&](const std::function<void()>& meanwhile) {
+        QTest::mousePress(window->picMain, Qt::LeftButton, {}, corner);
+        QTest::mouseMove(window->picMain, other / 2);
+        window->ListDragging = true;
+        meanwhile();
+        ActiveBone = 1;
+        QTest::mouseRelease(window->picMain, Qt::LeftButton, {}, other);
+        EXPECT_FALSE(window->ListDragging);
+        return Assigned();
+    };
+    EXPECT_EQ(boxAround([&] { window->OpenFile(path); }), 0);
+    EXPECT_EQ(boxAround([&] {
+                  const DialogSteps steps({Box("Any changes to open files will be lost.\nContinue?", QMessageBox::Yes)});
+                  window->mnuFileRevert_Click();
+              }),
+              0);
+    window->ListDragging = false;
+    EXPECT_GT(boxAround([&] { window->ListDragging = false; }), 0);
+}
+
+TEST(Gestures, AnotherWindowInFrontGivesUpTheDrag)
+{
+    const UiWindow window;
+    QTest::mousePress(window->picMain, Qt::LeftButton, {}, {20, 20});
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitFor([] { return MouseButton == 0; }));
+    EXPECT_EQ(window->panels[0]->text(), QStringLiteral("The drag was given up: another window came to the front."));
+}
+
+// The menu that comes up takes the releases.
+TEST(Gestures, AReleaseOverTheCameraMenuEndsTheDrag)
+{
+    for (const Qt::MouseButton released : {Qt::LeftButton, Qt::RightButton}) {
+        const UiWindow window;
+        QTest::mousePress(window->picMain, Qt::LeftButton, {}, {20, 20});
+        QTest::mousePress(window->picMain, Qt::RightButton, {}, {60, 60});
+        ASSERT_TRUE(QTest::qWaitFor([&] { return window->mnuViewCamera->isVisible(); }));
+        EXPECT_EQ(MouseButton, 1);
+        QTest::mouseRelease(window->mnuViewCamera, released, {}, {-5, -5});
+        EXPECT_EQ(MouseButton, 0);
+        window->mnuViewCamera->close();
+    }
+}
+
+TEST(Gestures, ADragOutOfABoneListKeepsItsRow)
+{
+    const UiWindow window(SOURCE_FOLDER "/samples/vorrel/vorrel.mvm");
+    window.Edit(0);
+    for (const int16_t target : {int16_t{0}, int16_t{1}}) {
+        QTest::mouseClick(window->optShadow[static_cast<size_t>(target)], Qt::LeftButton);
+        BoneList* list = window->ListOf(target);
+        FillBoneLists();
+        QWidget* rows = list->viewport();
+        QTest::mousePress(rows, Qt::LeftButton, {}, list->visualItemRect(list->item(0)).center());
+        QTest::mouseMove(rows, {20, rows->height() + 5});
+        QTest::mouseMove(rows, {30, rows->height() + 20});
+        QTest::qWait(120); // the list scrolls by a timer of its own
+        QTest::mouseRelease(rows, Qt::LeftButton, {}, {30, rows->height() + 20});
+        ASSERT_EQ(list->selectedItems().size(), 1);
+        EXPECT_EQ(list->selectedItems().first()->data(Qt::UserRole).toInt(), ActiveBone);
+    }
+}
+
+TEST(Gestures, TheWheelZoomsWithEveryKeyHeld)
+{
+    const UiWindow window;
+    for (const QPoint turn : {QPoint(0, 120), QPoint(120, 0)}) {
+        const float before = Cameras[1].Position.Z;
+        const QPointF at(10, 10);
+        const auto held = turn.x() != 0 ? Qt::AltModifier : Qt::NoModifier;
+        QWheelEvent event(at, window->picMain->mapToGlobal(at), QPoint(), turn, Qt::NoButton, held, Qt::NoScrollPhase,
+                          false);
+        QSpontaneKeyEvent::setSpontaneous(&event);
+        qApp->notify(window->picMain, &event);
+        EXPECT_NE(Cameras[1].Position.Z, before) << held;
+    }
+}
