@@ -1,5 +1,8 @@
 #include "modCamera.h"
 
+#include <cmath>
+#include <numbers>
+
 #include <GL/gl.h>
 #include <GL/glu.h>
 
@@ -84,6 +87,23 @@ void PanCamera(float dx, float dy)
         position.X = Sum(position.X, static_cast<double>(dx) / 1000);
         position.Y = Sum(position.Y, -static_cast<double>(dy) / 1000);
     }
+}
+
+void CentreOn(const Vec3& point)
+{
+    if (!IsValidCamera(CurrentCamera)) {
+        return;
+    }
+    // The modelview matrix turns about Y, then about X, then moves by the pan.
+    constexpr double radians = std::numbers::pi / 180;
+    ViewCamera& camera = Cameras[static_cast<size_t>(CurrentCamera)];
+    const double aboutX = static_cast<double>(camera.Rotation.X) * radians;
+    const double aboutY = static_cast<double>(camera.Rotation.Y) * radians;
+    const double x = static_cast<double>(point.X) * std::cos(aboutY) + static_cast<double>(point.Z) * std::sin(aboutY);
+    const double z = static_cast<double>(point.Z) * std::cos(aboutY) - static_cast<double>(point.X) * std::sin(aboutY);
+    const double y = static_cast<double>(point.Y) * std::cos(aboutX) - z * std::sin(aboutX);
+    camera.Position.X = static_cast<float>(-x);
+    camera.Position.Y = static_cast<float>(-y);
 }
 
 void ZoomCamera(float amount)

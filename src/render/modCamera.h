@@ -28,5 +28,7 @@ void ApplyCamera();
 void RotateCamera(float aboutX, float aboutY);
 /// Moves the picture with the mouse; distances in pixels.
 void PanCamera(float dx, float dy);
+/// Pans so that a point of the scene stands in the middle of the picture.
+void CentreOn(const Vec3& point);
 /// A positive amount moves away from the model.
 void ZoomCamera(float amount);

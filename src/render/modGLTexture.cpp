@@ -1,5 +1,8 @@
 #include "modGLTexture.h"
 
+#include <algorithm>
+#include <limits>
+
 #include <GL/gl.h>
 #include <GL/glu.h>
 
@@ -18,6 +21,17 @@ void SetFilters(GLint minify, GLint magnify)
 }
 
 } // namespace
+
+int32_t LargestTextureSide()
+{
+    constexpr GLint everyDriverHas = 64;
+    GLint side = std::numeric_limits<GLint>::max();
+    if (GLContext) {
+        MakeViewCurrent();
+        glGetIntegerv(GL_MAX_TEXTURE_SIZE, &side);
+    }
+    return std::max(side, everyDriverHas);
+}
 
 bool MakeGLTexture(const Bitmap& bitmap, uint32_t* name, std::string* error)
 {

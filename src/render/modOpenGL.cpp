@@ -13,6 +13,7 @@
 #include "modGLState.h"
 #include "modMaterialState.h"
 #include "modMvmDraw.h"
+#include "modTryJoint.h"
 #include "modViewFlags.h"
 
 namespace {
@@ -234,6 +235,7 @@ void PaintFrame()
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
     ApplyCamera();
     if (ModelOpen) {
+        const LentPose pose;
         DrawModel();
     }
     BindMaterial(0);

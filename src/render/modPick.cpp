@@ -9,6 +9,7 @@
 #include <GL/gl.h>
 #include <GL/glu.h>
 
+#include "app/modFrontEnd.h"
 #include "app/modUndo.h"
 #include "modCamera.h"
 #include "modFaceArrays.h"
@@ -188,9 +189,9 @@ void KeepVisible(const MvmMesh& mesh, const PixelRect& rect, std::vector<Candida
     });
 }
 
-void PickInRect(int16_t mesh, const PixelRect& rect)
+/// The vertices that a pick of the rectangle takes.
+std::vector<Candidate> TakenInRect(const MvmMesh& picked, const PixelRect& rect)
 {
-    const MvmMesh& picked = Meshes[mesh];
     SetBaseState();
     glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
     glClear(GL_DEPTH_BUFFER_BIT);
@@ -201,9 +202,24 @@ void PickInRect(int16_t mesh, const PixelRect& rect)
         KeepVisible(picked, rect, &candidates);
     }
     glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
-    for (const Candidate& candidate : candidates) {
-        AssignVertex(mesh, candidate.Vertex);
+    return candidates;
+}
+
+/// What a pick of a box in the view takes; nothing where there is no view.
+std::vector<Candidate> TakenInView(int16_t mesh, const PixelRect& box)
+{
+    const PixelRect rect = ClipToView(box);
+    if (!IsValidMesh(mesh) || !GLContext || IsEmpty(rect) || CurrentCamera < 1 || CurrentCamera > CameraCount) {
+        return {};
     }
+    MakeViewCurrent();
+    return TakenInRect(Meshes[mesh], rect);
+}
+
+bool IsFree(int16_t mesh, const Candidate& candidate)
+{
+    const Array1<int16_t>& bones = Meshes[mesh].VertexBones;
+    return !bones.Has(candidate.Vertex) || bones[candidate.Vertex] == 0;
 }
 
 } // namespace
@@ -240,10 +256,27 @@ void PickVertices(int16_t mesh, int32_t x, int32_t y, int32_t width, int32_t hei
     if (!IsValidMesh(mesh) || !GLContext) {
         return;
     }
-    const PixelRect rect = ClipToView(PickRect(x, y, width, height));
-    if (!IsEmpty(rect) && CurrentCamera >= 1 && CurrentCamera <= CameraCount) {
-        MakeViewCurrent();
-        PickInRect(mesh, rect);
+    std::vector<Candidate> taken = TakenInView(mesh, PickRect(x, y, width, height));
+    if (PickOnlyFree) {
+        const size_t passedOver =
+            std::erase_if(taken, [mesh](const Candidate& candidate) { return !IsFree(mesh, candidate); });
+        SetPanelText("toolhelp", "Only vertices without a bone: " + std::to_string(taken.size()) + " taken, " +
+                                     std::to_string(passedOver) + " passed over.");
+    }
+    for (const Candidate& candidate : taken) {
+        AssignVertex(mesh, candidate.Vertex);
     }
     UpdateBoneStatus();
+}
+
+int32_t VertexAt(int16_t mesh, int32_t x, int32_t y)
+{
+    const std::vector<Candidate> taken = TakenInView(mesh, PickRect(x, y, 1, 1));
+    const auto distance = [x, y](const Candidate& candidate) {
+        const double scale = PixelScale;
+        return std::hypot(candidate.X - x * scale, candidate.Y - y * scale);
+    };
+    const auto nearest = std::min_element(
+        taken.begin(), taken.end(), [&](const Candidate& a, const Candidate& b) { return distance(a) < distance(b); });
+    return nearest == taken.end() ? 0 : nearest->Vertex;
 }

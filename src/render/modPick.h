@@ -19,6 +19,10 @@ struct PickBox {
 /// most 2 stands for a click at (x, y), which takes a box of PointSize. While ViewCullVerts is true and faces are solid,
 /// only visible vertices are taken. Nothing happens for an invalid mesh or without a context.
 void PickVertices(int16_t mesh, int32_t x, int32_t y, int32_t width, int32_t height);
+/// While true, a pick passes over vertices that have a bone, and says in the panel "toolhelp" how many.
+inline bool PickOnlyFree = false;
+/// The vertex that a click at (x, y) would take, the nearest of several; 0 for none.
+[[nodiscard]] int32_t VertexAt(int16_t mesh, int32_t x, int32_t y);
 /// Gives the active bone to a vertex; nothing for a number outside the mesh.
 void AssignVertex(int16_t mesh, int32_t vertex);
 [[nodiscard]] bool InPickRect(int32_t px, int32_t py, int32_t left, int32_t bottom, int32_t right, int32_t top);

@@ -136,7 +136,7 @@ TEST_F(Undo, StaysWithinItsMemory)
     for (int32_t vertex = 1; vertex <= 10000; ++vertex) {
         Assign(vertex, 1);
     }
-    EXPECT_LT(StepMemory(), size_t{10000} * 400);
+    EXPECT_LT(StepMemory(), size_t{10000} * 200);
     StepMemoryLimit = StepMemory() / 2;
     Assign(20000, 1);
     EXPECT_LE(StepMemory(), StepMemoryLimit);

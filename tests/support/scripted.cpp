@@ -58,6 +58,7 @@ void Reset()
     }
     Folder.clear();
     DecimalMark = ".";
+    LargestTextureSide = 1 << 30;
 }
 
 } // namespace scripted
@@ -104,6 +105,11 @@ void ProgressStep(int32_t value)
 }
 
 void ProgressShow() {}
+
+bool ProgressServe()
+{
+    return !StopRequested;
+}
 
 void ProgressEnd() {}
 

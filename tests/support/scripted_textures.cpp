@@ -1,6 +1,12 @@
 #include "app/modFrontEnd.h"
+#include "support/scripted.h"
 
 // Pictures where there is no OpenGL.
+
+int32_t LargestTextureSide()
+{
+    return scripted::LargestTextureSide;
+}
 
 bool MakeGLTexture(const Bitmap&, uint32_t* name, std::string*)
 {

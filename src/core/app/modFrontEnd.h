@@ -26,6 +26,9 @@ void SetPanelText(const std::string& key, const std::string& text);
 void ProgressBegin(int32_t maximum);
 /// Moves the bar to `value`, held to 1..maximum. Serves pending events when enough time has passed since the last time.
 void ProgressStep(int32_t value);
+/// Serves pending events in the middle of a step, when enough time has passed since the last time. False when the
+/// operation is to end.
+[[nodiscard]] bool ProgressServe();
 /// Shows the value of the last step, which a step leaves to the next round of events. For a message during the operation.
 void ProgressShow();
 void ProgressEnd();
@@ -39,6 +42,8 @@ inline bool LogDirty = false; ///< lines went to the log that the user has not b
 
 /// Asks for a new frame of the 3D view. Several requests inside one event may become one frame.
 void Redraw(bool swap);
+/// The longest side of a picture that OpenGL takes, in pixels.
+[[nodiscard]] int32_t LargestTextureSide();
 /// Hands a picture to OpenGL and gives its name there, 0 where there is no context. False, with *error set, when OpenGL
 /// cannot take it.
 bool MakeGLTexture(const Bitmap& bitmap, uint32_t* name, std::string* error);

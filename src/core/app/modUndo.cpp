@@ -5,6 +5,7 @@
 #include <cstring>
 #include <deque>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "app/modMvmDef.h"
@@ -16,29 +17,36 @@ struct BoneChange {
     int16_t Bone = 0;
 };
 
-struct RoleState {
+// One side of each kind of part.
+
+struct AssignmentSide {
+    bool IsSkin = false;
+    bool Whole = true; ///< Bones holds all vertices; else Changes those that differ
+    std::vector<int16_t> Bones{};
+    std::vector<BoneChange> Changes{};
+};
+
+struct NormalSide {
+    std::vector<Vec3> Normals{};
+    std::vector<std::array<int16_t, 3>> FaceNormals{};
+};
+
+using NameSide = std::vector<std::string>; ///< of the mesh, then name and mesh of each instance
+
+struct RoleSide {
     int16_t Skin = 0, Shadow = 0;
     float Scale = 1;
     Vec3 Offset{};
 };
 
-/// One side of a part of the scene.
 struct KeptPart {
-    ScenePart Part{};
     int32_t Mesh = 0;
-    bool IsSkin = false;
     bool Differs = true;
-    bool Whole = true; ///< Bones holds all vertices; else Changes those that differ
-    std::vector<int16_t> Bones{};
-    std::vector<BoneChange> Changes{};
-    std::vector<Vec3> Normals{};
-    std::vector<std::array<int16_t, 3>> FaceNormals{};
-    std::vector<std::string> Names{}; ///< of the mesh, then name and mesh of each instance
-    RoleState Roles{};
+    std::variant<AssignmentSide, NormalSide, NameSide, RoleSide> Side{}; ///< in the order of ScenePart
 };
 
 struct Step {
-    std::string Label{};
+    const char* Label = nullptr;
     uint64_t StateAfter = 0;
     int32_t Vertices = 0;
     std::array<int16_t, 2> ActiveBone{}; ///< before and after
@@ -66,94 +74,93 @@ uint64_t CurrentState()
     return taken == 0 ? firstState : steps[taken - 1].StateAfter;
 }
 
-RoleState CurrentRoles()
+RoleSide RolesNow()
 {
     return {SkinMesh, ShadowMesh, SkinScale, SkinOffset};
 }
 
-KeptPart Copy(ScenePart part, int32_t mesh)
+NormalSide NormalsNow(const MvmMesh& mesh)
 {
-    KeptPart copy{.Part = part, .Mesh = mesh};
-    switch (part) {
-    case ScenePart::Assignments:
-        copy.IsSkin = Meshes[mesh].IsSkin;
-        copy.Bones = Meshes[mesh].VertexBones.Items;
-        break;
-    case ScenePart::Normals:
-        copy.Normals = Meshes[mesh].Normals.Items;
-        copy.FaceNormals.reserve(Meshes[mesh].Faces.Items.size());
-        for (const MvmFace& face : Meshes[mesh].Faces) {
-            copy.FaceNormals.push_back(face.Normal);
-        }
-        break;
-    case ScenePart::Names:
-        copy.Names.push_back(Meshes[mesh].Name);
-        for (const MvmInstance& instance : Instances) {
-            copy.Names.push_back(instance.Name);
-            copy.Names.push_back(instance.Mesh);
-        }
-        break;
-    case ScenePart::Roles:
-        copy.Roles = CurrentRoles();
-        break;
+    NormalSide side{.Normals = mesh.Normals.Items};
+    side.FaceNormals.reserve(mesh.Faces.Items.size());
+    for (const MvmFace& face : mesh.Faces) {
+        side.FaceNormals.push_back(face.Normal);
     }
-    return copy;
+    return side;
 }
 
-void SwapBones(KeptPart* part)
+NameSide NamesNow(const MvmMesh& mesh)
 {
-    MvmMesh& mesh = Meshes[part->Mesh];
-    std::swap(mesh.IsSkin, part->IsSkin);
-    if (part->Whole) {
-        mesh.VertexBones.Items.swap(part->Bones);
+    NameSide names = {mesh.Name};
+    for (const MvmInstance& instance : Instances) {
+        names.push_back(instance.Name);
+        names.push_back(instance.Mesh);
     }
-    for (BoneChange& change : part->Changes) {
+    return names;
+}
+
+KeptPart Keep(ScenePart part, int32_t mesh)
+{
+    switch (part) {
+    case ScenePart::Assignments:
+        return {.Mesh = mesh,
+                .Side = AssignmentSide{.IsSkin = Meshes[mesh].IsSkin, .Bones = Meshes[mesh].VertexBones.Items}};
+    case ScenePart::Normals:
+        return {.Mesh = mesh, .Side = NormalsNow(Meshes[mesh])};
+    case ScenePart::Names:
+        return {.Mesh = mesh, .Side = NamesNow(Meshes[mesh])};
+    case ScenePart::Roles:
+        break;
+    }
+    return {.Side = RolesNow()};
+}
+
+// Each exchanges a part of the scene with the side that is held. They allocate nothing.
+
+void Swap(int32_t index, AssignmentSide* side)
+{
+    MvmMesh& mesh = Meshes[index];
+    std::swap(mesh.IsSkin, side->IsSkin);
+    if (side->Whole) {
+        mesh.VertexBones.Items.swap(side->Bones);
+    }
+    for (BoneChange& change : side->Changes) {
         std::swap(mesh.VertexBones[change.Vertex], change.Bone);
     }
 }
 
-void SwapNormals(KeptPart* part)
+void Swap(int32_t index, NormalSide* side)
 {
-    MvmMesh& mesh = Meshes[part->Mesh];
-    mesh.Normals.Items.swap(part->Normals);
-    for (size_t i = 0; i < part->FaceNormals.size(); ++i) {
-        mesh.Faces.Items[i].Normal.swap(part->FaceNormals[i]);
+    MvmMesh& mesh = Meshes[index];
+    mesh.Normals.Items.swap(side->Normals);
+    for (size_t i = 0; i < side->FaceNormals.size(); ++i) {
+        mesh.Faces.Items[i].Normal.swap(side->FaceNormals[i]);
     }
 }
 
-void SwapNames(KeptPart* part)
+void Swap(int32_t index, NameSide* side)
 {
-    auto name = part->Names.begin();
-    Meshes[part->Mesh].Name.swap(*name++);
+    auto name = side->begin();
+    Meshes[index].Name.swap(*name++);
     for (MvmInstance& instance : Instances) {
         instance.Name.swap(*name++);
         instance.Mesh.swap(*name++);
     }
 }
 
-/// Exchanges a part of the scene with the side that is held.
-void Swap(KeptPart* part)
+void Swap(int32_t /*index*/, RoleSide* side)
 {
-    switch (part->Part) {
-    case ScenePart::Assignments:
-        SwapBones(part);
-        break;
-    case ScenePart::Normals:
-        SwapNormals(part);
-        break;
-    case ScenePart::Names:
-        SwapNames(part);
-        break;
-    case ScenePart::Roles: {
-        const RoleState now = CurrentRoles();
-        SkinMesh = part->Roles.Skin;
-        ShadowMesh = part->Roles.Shadow;
-        SkinScale = part->Roles.Scale;
-        SkinOffset = part->Roles.Offset;
-        part->Roles = now;
-        break;
-    }
-    }
+    const RoleSide now = RolesNow();
+    SkinMesh = side->Skin;
+    ShadowMesh = side->Shadow;
+    SkinScale = side->Scale;
+    SkinOffset = side->Offset;
+    *side = now;
+}
+
+void SwapPart(KeptPart* part)
+{
+    std::visit([part](auto& side) { Swap(part->Mesh, &side); }, part->Side);
 }
 
 /// Vertices whose bone differs; those that one side alone has count when they have a bone there.
@@ -175,62 +182,75 @@ bool SameBytes(const std::vector<T>& a, const std::vector<T>& b)
     return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(T)) == 0);
 }
 
-bool SameRoles(const RoleState& a, const RoleState& b)
-{
-    return a.Skin == b.Skin && a.Shadow == b.Shadow && std::memcmp(&a.Scale, &b.Scale, sizeof(float)) == 0 &&
-           std::memcmp(&a.Offset, &b.Offset, sizeof(Vec3)) == 0;
-}
+// Each takes a side down to what differs from the scene. False when nothing does.
 
-/// Takes bones down to those that differ. False when none does.
-bool PackBones(KeptPart* part, int32_t* vertices)
+bool Pack(const MvmMesh& mesh, AssignmentSide* side, int32_t* vertices)
 {
-    const MvmMesh& mesh = Meshes[part->Mesh];
     const std::vector<int16_t>& now = mesh.VertexBones.Items;
-    const int32_t changed = CountChanged(part->Bones, now);
+    const int32_t changed = CountChanged(side->Bones, now);
     *vertices += changed;
-    if (now.size() != part->Bones.size() || mesh.IsSkin != part->IsSkin) {
+    if (now.size() != side->Bones.size() || mesh.IsSkin != side->IsSkin) {
         return true;
     }
     // Whole vectors take less where most vertices differ.
     if (static_cast<size_t>(changed) * sizeof(BoneChange) < now.size() * sizeof(int16_t)) {
-        part->Changes.reserve(static_cast<size_t>(changed));
+        side->Changes.reserve(static_cast<size_t>(changed));
         for (size_t i = 0; i < now.size(); ++i) {
-            if (now[i] != part->Bones[i]) {
-                part->Changes.push_back({static_cast<int32_t>(i) + 1, part->Bones[i]});
+            if (now[i] != side->Bones[i]) {
+                side->Changes.push_back({static_cast<int32_t>(i) + 1, side->Bones[i]});
             }
         }
-        std::vector<int16_t>().swap(part->Bones);
-        part->Whole = false;
+        std::vector<int16_t>().swap(side->Bones);
+        side->Whole = false;
     }
     return changed > 0;
 }
 
-/// Takes a part down to what differs from the scene. False when nothing does.
-bool Pack(KeptPart* part, int32_t* vertices)
+bool PackPart(KeptPart* part, int32_t* vertices)
 {
-    switch (part->Part) {
-    case ScenePart::Assignments:
-        return PackBones(part, vertices);
-    case ScenePart::Roles:
-        return !SameRoles(part->Roles, CurrentRoles());
-    default: {
-        const KeptPart now = Copy(part->Part, part->Mesh);
-        return !SameBytes(part->Normals, now.Normals) || !SameBytes(part->FaceNormals, now.FaceNormals) ||
-               part->Names != now.Names;
+    if (auto* side = std::get_if<AssignmentSide>(&part->Side)) {
+        return Pack(Meshes[part->Mesh], side, vertices);
     }
+    if (const auto* side = std::get_if<NormalSide>(&part->Side)) {
+        const NormalSide now = NormalsNow(Meshes[part->Mesh]);
+        return !SameBytes(side->Normals, now.Normals) || !SameBytes(side->FaceNormals, now.FaceNormals);
     }
+    if (const auto* side = std::get_if<NameSide>(&part->Side)) {
+        return *side != NamesNow(Meshes[part->Mesh]);
+    }
+    const RoleSide now = RolesNow();
+    return std::memcmp(std::get_if<RoleSide>(&part->Side), &now, sizeof(RoleSide)) != 0;
+}
+
+size_t BytesOf(const AssignmentSide& side)
+{
+    return side.Bones.capacity() * sizeof(int16_t) + side.Changes.capacity() * sizeof(BoneChange);
+}
+
+size_t BytesOf(const NormalSide& side)
+{
+    return side.Normals.capacity() * sizeof(Vec3) + side.FaceNormals.capacity() * sizeof(std::array<int16_t, 3>);
+}
+
+size_t BytesOf(const NameSide& side)
+{
+    size_t bytes = side.capacity() * sizeof(std::string);
+    for (const std::string& name : side) {
+        bytes += name.capacity();
+    }
+    return bytes;
+}
+
+size_t BytesOf(const RoleSide& /*side*/)
+{
+    return 0;
 }
 
 size_t BytesOf(const Step& step)
 {
-    size_t bytes = sizeof(Step) + step.Label.capacity();
+    size_t bytes = sizeof(Step) + step.Parts.capacity() * sizeof(KeptPart);
     for (const KeptPart& part : step.Parts) {
-        bytes += sizeof(KeptPart) + part.Bones.capacity() * sizeof(int16_t) +
-                 part.Changes.capacity() * sizeof(BoneChange) + part.Normals.capacity() * sizeof(Vec3) +
-                 part.FaceNormals.capacity() * sizeof(std::array<int16_t, 3>);
-        for (const std::string& name : part.Names) {
-            bytes += sizeof(name) + name.capacity();
-        }
+        bytes += std::visit([](const auto& side) { return BytesOf(side); }, part.Side);
     }
     return bytes;
 }
@@ -261,7 +281,7 @@ TakenStep Take(Step* step, size_t side)
                       .ActiveBone = step->ActiveBone[side],
                       .EditTarget = step->EditTarget[side]};
     for (KeptPart& part : step->Parts) {
-        Swap(&part);
+        SwapPart(&part);
     }
     return reached;
 }
@@ -279,10 +299,11 @@ void BeginStep()
 void Touch(ScenePart part, int32_t mesh)
 {
     const int32_t of = part == ScenePart::Roles ? 0 : mesh;
-    const bool known = std::any_of(kept.begin(), kept.end(),
-                                   [&](const KeptPart& held) { return held.Part == part && held.Mesh == of; });
+    const bool known = std::any_of(kept.begin(), kept.end(), [&](const KeptPart& held) {
+        return held.Side.index() == static_cast<size_t>(part) && held.Mesh == of;
+    });
     if (making && !known && (part == ScenePart::Roles || IsValidMesh(mesh))) {
-        kept.push_back(Copy(part, of));
+        kept.push_back(Keep(part, of));
     }
 }
 
@@ -298,7 +319,7 @@ void EndStep(const char* label)
               .EditTarget = {targetBefore, EditTarget}};
     // Until the step stands, `kept` holds what a failure needs to go back; packing leaves each part fit for that.
     for (KeptPart& part : kept) {
-        part.Differs = Pack(&part, &step.Vertices);
+        part.Differs = PackPart(&part, &step.Vertices);
     }
     std::erase_if(kept, [](const KeptPart& part) { return !part.Differs; });
     making = false;
@@ -318,7 +339,7 @@ void EndStep(const char* label)
 void RollBackStep() noexcept
 {
     for (KeptPart& part : kept) {
-        Swap(&part);
+        SwapPart(&part);
     }
     kept.clear();
 }

@@ -31,6 +31,7 @@ void BeginStep();
 /// Keeps a part of a valid mesh as it is, once in a step. Does nothing outside a step.
 void Touch(ScenePart part, int32_t mesh);
 /// Makes a step of what differs from the parts kept, when anything does, and drops the steps ahead.
+/// The label must live as long as the program.
 void EndStep(const char* label);
 /// Puts the parts kept back in place, for an operation that failed; the step may go on. Allocates nothing.
 void RollBackStep() noexcept;

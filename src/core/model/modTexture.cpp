@@ -90,6 +90,7 @@ int16_t LoadTexture(const std::string& colorFile, const std::string& opacityFile
     case BitmapResult::Done:
         break;
     case BitmapResult::Refused:
+    case BitmapResult::Stopped:
         return 0;
     case BitmapResult::Failed:
         return FailTexture(colorFile, error);

@@ -1,9 +1,13 @@
 #include "dialogs/modFileChooser.h"
 
+#include <QDialogButtonBox>
 #include <QDir>
+#include <QEvent>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QSettings>
 
 #include "app/modFrontEnd.h"
@@ -12,6 +16,40 @@
 #include "modOwner.h"
 
 namespace {
+
+/// The toolkit's chooser, or the desktop's where it has one.
+class Chooser : public QFileDialog {
+public:
+    using QFileDialog::QFileDialog;
+
+    /// The toolkit may still be listing folders when a path has been typed, and greys the button until it has found the
+    /// name. A path that begins with "/" needs no list.
+    void KeepButtonForPaths()
+    {
+        field = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        const auto* box = findChild<QDialogButtonBox*>();
+        button = box == nullptr
+                     ? nullptr
+                     : box->button(acceptMode() == AcceptOpen ? QDialogButtonBox::Open : QDialogButtonBox::Save);
+        if (field != nullptr && button != nullptr) {
+            button->installEventFilter(this);
+        }
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override
+    {
+        if (event->type() == QEvent::EnabledChange && watched == button && !button->isEnabled() &&
+            field->text().startsWith(u'/')) {
+            button->setEnabled(true);
+        }
+        return QFileDialog::eventFilter(watched, event);
+    }
+
+private:
+    QLineEdit* field = nullptr;
+    QPushButton* button = nullptr;
+};
 
 bool KeepsItsBytes(const std::string& path)
 {
@@ -61,10 +99,9 @@ bool ChooseFile(const FileChooser& chooser, std::string* path)
 {
     // The toolkit's chooser would keep its history in a file of the user's; the program stores nothing between runs.
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
-    QFileDialog dialog(OwnerOfBoxes(), QString::fromStdString(chooser.Title), StartFolder(chooser.StartIn));
+    Chooser dialog(OwnerOfBoxes(), QString::fromStdString(chooser.Title), StartFolder(chooser.StartIn));
     dialog.setObjectName(QStringLiteral("cdlFile"));
-    dialog.setOptions(QFileDialog::DontUseNativeDialog | QFileDialog::DontConfirmOverwrite |
-                      QFileDialog::HideNameFilterDetails);
+    dialog.setOptions(QFileDialog::DontConfirmOverwrite | QFileDialog::HideNameFilterDetails);
     dialog.setAcceptMode(chooser.Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setNameFilters(NameFilters(chooser.Filter));
@@ -72,6 +109,7 @@ bool ChooseFile(const FileChooser& chooser, std::string* path)
     if (!chooser.FileName.empty()) {
         dialog.selectFile(preset.dir().exists() ? preset.filePath() : preset.fileName());
     }
+    dialog.KeepButtonForPaths();
     while (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty()) {
         const QString shown = dialog.selectedFiles().constFirst();
         // A preset name that is not UTF-8 cannot be shown, but it is still the name that the user left standing.

@@ -92,6 +92,14 @@ public:
     void picMain_KeyDown(int32_t code);
     void OpenConsole();
 
+    // Keys for work that goes over many vertices (main/frmMainEditKeys.cpp).
+    /// E, G, N, U, Page Up and Page Down; nothing for other codes.
+    void EditKey(int32_t code);
+    /// Lets moves of the mouse turn the joint of the active bone until EndTryJoint.
+    void BeginTryJoint();
+    void TurnJoint(QPointF position);
+    void EndTryJoint();
+
     // View options (render/frmMainView.cpp).
     void ToggleFlag(bool* flag, const char* entry);
     void SetWire(bool wire);
@@ -193,6 +201,11 @@ private:
     /// Takes what hangs on the desktop's colours anew.
     void FollowTheme();
     void EnableDocument(bool open, bool revert);
+    void TakeBoneOfVertex();
+    void ShowUnassigned();
+    void ShowSlip();
+    void ShowVertex(int32_t vertex);
+    void StepBoneRow(int by);
     void OpenCommandLine(const std::string& commandLine);
     /// Serves what waits in the middle of a command, without letting another command in. False when the program ended.
     [[nodiscard]] bool ServeEvents();
@@ -202,6 +215,8 @@ private:
     [[nodiscard]] bool EndAfterStop();
 
     int busyDepth = 0;
+    int32_t shownVertex = 0;           ///< the one that U or N has brought to the middle
+    float jointStartX = 0;             ///< where the mouse was when the try of a joint began
     std::vector<QAction*> heldEntries; ///< entries disabled by BeginBusy
     QWidget* heldFocus = nullptr;      ///< control that lost the focus to BeginBusy
     int32_t wheelRest = 0;             ///< wheel distance short of a whole notch

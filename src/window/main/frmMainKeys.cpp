@@ -22,6 +22,8 @@ namespace {
 
 constexpr int32_t codeCtrl = 17;
 constexpr int32_t codeF11 = 122;
+constexpr int32_t codePageUp = 33;
+constexpr int32_t codePageDown = 34;
 
 /// The keys of a Latin keyboard by their place: what lies on a row, from the scan code of its first key on.
 struct KeyRow {
@@ -68,6 +70,9 @@ int32_t CodeOf(const QKeyEvent& event)
     }
     if (key == Qt::Key_F11) {
         return codeF11;
+    }
+    if (key == Qt::Key_PageUp || key == Qt::Key_PageDown) {
+        return key == Qt::Key_PageUp ? codePageUp : codePageDown;
     }
     if ((key >= Qt::Key_A && key <= Qt::Key_Z) || (key >= Qt::Key_0 && key <= Qt::Key_9)) {
         return key;
@@ -134,6 +139,7 @@ void frmMain::picMain_KeyDown(int32_t code)
         OpenConsole();
         break;
     default:
+        EditKey(code);
         break;
     }
     Redraw(true);
@@ -162,7 +168,14 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event)
 {
     switch (event->type()) {
     case QEvent::KeyPress: {
-        const int32_t code = CodeOf(*static_cast<QKeyEvent*>(event));
+        const auto* key = static_cast<QKeyEvent*>(event);
+        const int32_t code = CodeOf(*key);
+        if (watched == picMain && code == 'D' && !CtrlHeld && !key->isAutoRepeat()) {
+            Perform("BeginTryJoint", [this] { BeginTryJoint(); });
+        }
+        if (key->key() == Qt::Key_Escape) {
+            EndTryJoint();
+        }
         Perform("picMain_KeyDown", [&] { picMain_KeyDown(code); });
         // The others still press buttons and move the focus.
         return code != 0;
@@ -171,6 +184,9 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event)
         // A held key repeats as releases too, though the finger has not left it.
         if (watched == picMain && !static_cast<QKeyEvent*>(event)->isAutoRepeat()) {
             CtrlHeld = false;
+            if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_D) {
+                EndTryJoint();
+            }
         }
         return false;
     case QEvent::Wheel:
@@ -196,6 +212,7 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event)
     switch (event->type()) {
     case QEvent::FocusIn:
     case QEvent::FocusOut:
+        EndTryJoint();
         viewEdge->setAutoFillBackground(event->type() == QEvent::FocusIn);
         viewEdge->update();
         return false;

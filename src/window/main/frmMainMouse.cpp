@@ -13,6 +13,7 @@
 #include "modDrag.h"
 #include "modOpenGL.h"
 #include "modPick.h"
+#include "modTryJoint.h"
 
 namespace {
 
@@ -96,6 +97,9 @@ void frmMain::picMain_MouseMove(QPointF position)
         }
         Redraw(true);
     }
+    if (TryingJoint) {
+        TurnJoint(position);
+    }
     MouseLastX = x;
     MouseLastY = y;
 }
@@ -136,7 +140,10 @@ bool frmMain::CancelDrag()
 void frmMain::CancelGestures()
 {
     CancelDrag();
+    EndTryJoint();
     ListDragging = false;
+    shownVertex = 0;
+    PickOnlyFree = false;
 }
 
 void frmMain::MouseWheel(int32_t notches)

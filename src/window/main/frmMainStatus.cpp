@@ -27,6 +27,14 @@ bool PumpIsDue()
     return Clock::now() - lastPump >= std::chrono::microseconds(PumpInterval);
 }
 
+void PumpWhenDue()
+{
+    if (PumpIsDue()) {
+        PumpEvents();
+        lastPump = Clock::now();
+    }
+}
+
 } // namespace
 
 void SetPanelText(const std::string& key, const std::string& text)
@@ -67,11 +75,16 @@ void ProgressStep(int32_t value)
     }
     if (MainForm() != nullptr) {
         ProgressShow();
-        if (PumpIsDue()) {
-            PumpEvents();
-            lastPump = Clock::now();
-        }
+        PumpWhenDue();
     }
+}
+
+bool ProgressServe()
+{
+    if (MainForm() != nullptr) {
+        PumpWhenDue();
+    }
+    return !StopRequested;
 }
 
 void ProgressShow()
