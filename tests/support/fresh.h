@@ -7,6 +7,8 @@
 #include <gmock/gmock.h>
 
 #include "app/modFrontEnd.h"
+#include "model/modMvmRead.h"
+#include "support/model_text.h"
 #include "support/scripted.h"
 #include "support/temp_folder.h"
 
@@ -22,6 +24,24 @@ class FreshFolder : public Fresh {
 protected:
     TempFolder Folder;
     std::string Error;
+};
+
+/// The same with a file to put models into.
+class ModelFile : public FreshFolder {
+protected:
+    /// Adds these bytes, as a model file, to the scene.
+    bool Load(std::string_view bytes)
+    {
+        PutFile(Path, bytes);
+        return LoadMVM(Path);
+    }
+    /// The same into an empty scene.
+    bool LoadAnew(std::string_view bytes)
+    {
+        scripted::Reset();
+        return Load(bytes);
+    }
+    const std::string Path = Folder / "a.mvm";
 };
 
 /// Runs `act`, which says whether all went well, with each of its file steps failing in turn. Gives their number.

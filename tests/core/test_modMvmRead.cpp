@@ -1,0 +1,277 @@
+#include <cerrno>
+
+#include "app/modFrontEnd.h"
+#include "model/modMvmBind.h"
+#include "support/fresh.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::Pair;
+
+/// All names, each with a slash behind it.
+template <typename Record>
+std::string NamesOf(const Array1<Record>& records)
+{
+    std::string names;
+    for (const Record& record : records) {
+        names += record.Name + "/";
+    }
+    return names;
+}
+
+class ReadModel : public ModelFile {
+protected:
+    /// Loads, expects a failure, and gives its message.
+    std::string Failed(const std::string& path)
+    {
+        EXPECT_FALSE(LoadMVM(path)) << path;
+        EXPECT_FALSE(LoadRunning);
+        EXPECT_THAT(scripted::Messages, ElementsAre(IsBox(BoxIcon::Stop, testing::_)));
+        return scripted::Messages.empty() ? std::string() : scripted::Messages[0].Text;
+    }
+};
+
+std::string BoneTexts(const std::vector<std::string>& names)
+{
+    std::string text;
+    for (const std::string& name : names) {
+        text += BoneText(name);
+    }
+    return text;
+}
+
+} // namespace
+
+TEST_F(ReadModel, SplitsHeadersAtSingleBlanksAndLinesAtCrOnly)
+{
+    using namespace std::string_literals;
+    const std::pair<std::string, std::string> cases[] = {
+        {"BONE \"Ab\"", "Ab/"},
+        {"  bone \"A\"  ", "A/"},
+        {"\tbone \"A\"", ""},
+        {"bone\t\"A\"", ""},
+        {"bone  \"A\"", "/"},
+        {"bone", "/"},
+        {"bone \"A b\"", "A/"},
+        {"bone \"A\"{", "A{/"},
+        {"bone A\"\"B", "AB/"},
+        {"bones \"A\"", ""},
+        {"bone{", ""},
+        {"bone \"A\"\t", "A\t/"},
+        {"  \rbone B", "B/"},
+        {"bone \"\xC4\0\xFFz\"\r"s, "\xC4\0\xFFz/"s},
+        {"bone \"A\"\r{\r\n}\rbone \"B\"\r\r\n{\r}\r\n\rbone \"C\"", "A/B/C/"},
+        // Without a CR all is one line, and its braces open no second block. A byte order mark is part of its line.
+        {"bone \"A\"\n{\n}\nbone \"B\"\n{\n}\n", "A\n{\n}\nbone/"},
+        {"\xEF\xBB\xBF"
+         "bone \"Y\"\r\nbone A",
+         "A/"},
+        {"\nbone \"X\"\rbone \"A\"\r\r\n{\rposition=(1\n2,\n3,4)\r\nposition\n=(0,0,0)\0\x1A\r}"s, "A/"}};
+    for (const auto& [header, names] : cases) {
+        ASSERT_TRUE(LoadAnew(header));
+        EXPECT_EQ(NamesOf(Bones), names) << header;
+    }
+    // LF is a blank of numbers only.
+    EXPECT_EQ(Bones[1].Position.X, 12);
+    EXPECT_EQ(Bones[1].Position.Z, -3);
+    EXPECT_EQ(Bones[1].ExtraText, "position\n=(0,0,0)\0\x1A\r\n"s);
+    ASSERT_TRUE(Load(Lines("fileinfo and more|{| FormatVersion = \"1 .0\" . 2 = 5|author = 3|}|")));
+    EXPECT_EQ(FormatVersion, "\"1 .0\".2");
+}
+
+TEST_F(ReadModel, TellsOfWhatIsNoModel)
+{
+    const std::string lf = " Its lines end in LF alone; those of a model file end in CR LF.";
+    const std::string none = "\" holds no material, bone, mesh or instance.";
+    const std::string empty = " A save would replace it by an empty model.";
+    const std::pair<std::string, std::string> cases[] = {
+        {"", ""},
+        {"bone A\r", ""},
+        {"bone A\rodd\ntext\r", ""},
+        {"fileinfo\r", ""},
+        {"a note\r", none + " It is no model file." + empty},
+        {"a note\nof two lines\n", none + lf + empty},
+        {"bone A\nbone B\n", "\" was read as a single line." + lf + " A save would leave nothing of the rest."}};
+    for (const auto& [text, line] : cases) {
+        EXPECT_TRUE(LoadAnew(text));
+        EXPECT_EQ(scripted::Log,
+                  line.empty() ? std::vector<std::string>{} : std::vector<std::string>{'"' + Path + line});
+    }
+}
+
+TEST_F(ReadModel, StopsAtAFailureAndKeepsWhatWasRead)
+{
+    const char* const isShort = "A value is too short for coordinates.";
+    const char* const isLarge = "A number is too large.";
+    const char* const isOutside = "A whole number is out of range.";
+    const struct {
+        const char *Line, *Why;
+        int Faces, Vertices;
+    } cases[] = {{"v", isShort, 1, 1},
+                 {"v = (", isShort, 1, 1},
+                 {"t = ", isShort, 1, 1},
+                 {"n = 1", isShort, 1, 1},
+                 {"t = (1E39,0)", isLarge, 1, 1},
+                 {"v = (1E39,0,0),3", isLarge, 1, 1},
+                 {"v = (0,0,1E400),3", isLarge, 1, 1},
+                 {"v = (1,2,3),99999", isOutside, 1, 2},
+                 {"v = (1,2,3),32767.5", isOutside, 1, 2},
+                 {"v = (1,2,3),1E400", isLarge, 1, 2},
+                 {"f = 1,32768", isOutside, 2, 1},
+                 {"f = 1,2,3,4,5,6,7,8,9,3E9", isOutside, 2, 1},
+                 {"f = 1,2,3,4,5,6,7,8,9,-40000", isOutside, 2, 1},
+                 {"f = 1,2,3,4,5,6,7,8,9,1E400", isLarge, 2, 1},
+                 {"}|bone \"B\" {|position = (1E39,0,0)", isLarge, 1, 1},
+                 {"}|instance \"I\" {|rotation = x", isShort, 1, 1},
+                 {"}|instance \"I\" {|scale = 1E39", isLarge, 1, 1}};
+    for (const auto& row : cases) {
+        scripted::Reset();
+        PutFile(Path, Lines(BoneText("$j$07") + "skin \"S\"|{|v = (1,2,3),7|f = 1,2,3|" + row.Line +
+                            "|m = late|}|material \"late\"|"));
+        const std::string place = "Line " + std::string(row.Line[0] == '}' ? "13" : "11") + ": ";
+        EXPECT_EQ(Failed(Path), "Runtime error in LoadMVM\n" + place + row.Why) << row.Line;
+        EXPECT_EQ(Meshes[1].FaceCount(), row.Faces) << row.Line;
+        for (const int32_t count :
+             {Meshes[1].VertexCount(), Meshes[1].VertexBones.Count(), Meshes[1].VertexJoints.Count()}) {
+            EXPECT_EQ(count, row.Vertices) << row.Line;
+        }
+        EXPECT_EQ(Meshes[1].MeshMaterialCount() + MaterialCount(), 0);
+        EXPECT_TRUE(SkinMesh == 0 && !Bones[1].IsShadow);
+        EXPECT_EQ(scripted::Panel("toolhelp"), "Loading geometry...");
+    }
+    scripted::Messages.clear();
+    EXPECT_EQ(Failed(Folder / "none.mvm"), "Runtime error in LoadMVM\nNo such file or directory");
+}
+
+TEST_F(ReadModel, ReadsLinesThatLieAcrossThePiecesOfAFile)
+{
+    // Lines of all lengths with both line ends, so that every place of a line falls on the end of a piece.
+    std::string text = "skin \"S\" {\r\n";
+    int vertices = 0;
+    for (; text.size() < 900'000; ++vertices) {
+        text += " v = (" + std::to_string(vertices) + ",2,3),7" + (vertices % 3 == 0 ? "\r" : "\r\n") +
+                std::string(static_cast<size_t>(vertices) % 7, '\r');
+    }
+    text += std::string(600'000, 'x') + "\r\n v = (1,2,3),8\r\n n = 1";
+    ASSERT_FALSE(Load(text));
+    ASSERT_EQ(Meshes[1].VertexCount(), vertices + 1);
+    for (int v = 0; v < vertices; ++v) {
+        ASSERT_EQ(Meshes[1].Vertices[v + 1].X, static_cast<float>(v));
+    }
+    EXPECT_EQ(Meshes[1].VertexJoints[vertices + 1], 8);
+
+    scripted::Reset();
+    PutFile(Path, "bone \"A\"\r\n" + std::string(1'000'000, '\r') + "bone \"B\"\r\n");
+    scripted::FailAt = 3; // behind the open and the first piece
+    scripted::FailError = EIO;
+    EXPECT_EQ(Failed(Path), "Runtime error in LoadMVM\nInput/output error");
+    EXPECT_EQ(NamesOf(Bones), "A/");
+}
+
+TEST_F(ReadModel, StepsThroughTheFileUntilStopped)
+{
+    ASSERT_TRUE(Load(""));
+    EXPECT_TRUE(scripted::Progress.empty());
+    EXPECT_THAT(scripted::Panels,
+                ElementsAre(Pair("toolhelp", "Loading geometry..."), Pair("toolhelp", "Loading textures..."),
+                            Pair("toolhelp", "Ready..."), Pair("toolhelp", "Verifying shadow bones..."),
+                            Pair("toolhelp", "Verifying meshes..."), Pair("toolhelp", "Ready...")));
+    std::string text;
+    for (int line = 0; line < 20; ++line) {
+        text += "bone which means nothing today\r\n"; // 32 bytes
+    }
+    ASSERT_TRUE(LoadAnew(text));
+    EXPECT_THAT(scripted::Progress, ElementsAre(Pair(640, 0), Pair(640, 128), Pair(640, 256), Pair(640, 384),
+                                                Pair(640, 512), Pair(640, 640)));
+    scripted::Reset();
+    StopRequested = true;
+    EXPECT_FALSE(Load(text));
+    EXPECT_EQ(BoneCount(), 1);
+    EXPECT_FALSE(LoadRunning);
+    StopRequested = false;
+    LoadRunning = true; // no load inside another one
+    EXPECT_FALSE(LoadMVM(Path));
+    EXPECT_TRUE(LoadRunning);
+    LoadRunning = false;
+    EXPECT_EQ(BoneCount(), 1);
+    EXPECT_TRUE(scripted::Messages.empty());
+}
+
+TEST_F(ReadModel, BindsToTheLastBoneOfItsKindWithTheNumber)
+{
+    const struct {
+        std::vector<std::string> BoneNames;
+        const char* Joint;
+        int Bone;
+    } cases[] = {{{}, ",0", 0},          {{"A00"}, ",-32768", 0},
+                 {{"x7."}, ",7", 1},     {{"Toe9", "A01"}, "", 1},
+                 {{"A99"}, ",99", 1},    {{"Toe9", "A01"}, ",9", 0},
+                 {{"x.5"}, ",0.5", 0},   {{"Toe9", "A01"}, ",0", 1},
+                 {{"A07"}, ",7.5", 0},   {{"A01", "x-1"}, ",-1", 2},
+                 {{"A08"}, ",7.5", 1},   {{"A07", "$j$07"}, ",7", 1},
+                 {{"A07"}, ",7,8", 0},   {{"A01", "Root"}, ",-1", 0},
+                 {{"A107"}, ",107", 0},  {{"A00", "Root", "B01"}, "", 2},
+                 {{"A00"}, ",32767", 0}, {{"A07", "B07", "C17"}, ",7", 2},
+                 {{"x-9"}, ",-9", 1},    {{"x-9"}, ",-10", 0}};
+    for (const auto& row : cases) {
+        ASSERT_TRUE(LoadAnew(Lines(BoneTexts(row.BoneNames) + "skin \"S\" {| v = (1,2,3)" + row.Joint + "|}|")));
+        EXPECT_EQ(Meshes[1].VertexBones[1], row.Bone) << row.Joint << testing::PrintToString(row.BoneNames);
+    }
+    // A mesh with both roles takes the later bone of both kinds.
+    for (const bool shadowLast : {false, true}) {
+        scripted::Reset();
+        AddBones({"A01", "B01"});
+        Bones[shadowLast ? 2 : 1].IsShadow = true;
+        AddSkin("S$", {{}}, {0}).VertexJoints.Items = {1};
+        SkinMesh = 1;
+        VerifyMeshes();
+        EXPECT_EQ(Meshes[1].VertexBones[1], 2);
+    }
+}
+
+TEST_F(ReadModel, WorksOutRolesFromNames)
+{
+    ASSERT_TRUE(
+        Load(Lines(BoneTexts({"A01", "$J$B01"}) + "mesh \"head\"|skin \"S1\" {|v = (0,0,0),1|}|skin \"S$h\" {|v = "
+                                                  "(0,0,0),1|}|mesh \"my$HEADbody\"|mesh \"$Tail\"|"
+                                                  "mesh \"$tail2\"|skin \"S2\" {|v=(0,0,0),1|}|mesh \"$\"|")));
+    EXPECT_THAT((std::array{SkinMesh, ShadowMesh, HeadMesh, BodyMesh, TailMesh}), ElementsAre(7, 3, 4, 4, 6));
+    EXPECT_TRUE(!Bones[1].IsShadow && Bones[2].IsShadow);
+    EXPECT_EQ(Meshes[2].VertexBones[1], 1); // bound while it held the role
+    EXPECT_EQ(Meshes[3].VertexBones[1], 2);
+    EXPECT_EQ(Meshes[7].VertexBones[1], 1);
+
+    const struct {
+        const char* Source;
+        int16_t Skin, Shadow;
+    } cases[] = {{"mesh \"M\" {|v = (0,0,0),0|}|", 1, 0}, {"skin \"S$\"|", 1, 1}, {"mesh \"M\"|mesh \"N\"|", 0, 0}};
+    for (const auto& row : cases) {
+        ASSERT_TRUE(LoadAnew(Lines(row.Source + BoneTexts({"A00"}))));
+        EXPECT_EQ(SkinMesh, row.Skin);
+        EXPECT_EQ(ShadowMesh, row.Shadow);
+        EXPECT_EQ(Meshes[1].IsSkin, row.Skin == 1);
+        EXPECT_EQ(Meshes[1].VertexJoints.Count(), 0);
+        EXPECT_THAT(Meshes[1].VertexBones.Items, testing::Each(0));
+    }
+    // No index reaches the last ones: a bone above the range binds nothing, a mesh above it gets no role.
+    scripted::Reset();
+    Meshes.Items.resize(32768, {.IsSkin = true});
+    Bones.Items.resize(32768, {.Name = "A01"});
+    Meshes[32767].Vertices.Items.resize(2);
+    Meshes[32767].VertexBones.Items = {0, 0};
+    Meshes[32767].VertexJoints.Items = {1}; // one too few
+    VerifyMeshes();
+    EXPECT_EQ(SkinMesh, 32767);
+    EXPECT_THAT(Meshes[32767].VertexBones.Items, ElementsAre(32767, 0));
+}
+
+TEST_F(ReadModel, FindsTheLastMaterialOfAName)
+{
+    ASSERT_TRUE(Load(Lines("mesh \"M\" {|m = A|m = \"B\"|m = a|m = C|}|material \"A\"|material B|material \"A\"|")));
+    const auto& list = Meshes[1].MeshMaterials;
+    Meshes[1].MeshMaterials[4].Index = 2;
+    VerifyMeshes();
+    EXPECT_THAT((std::array{list[1].Index, list[2].Index, list[3].Index}), ElementsAre(3, 2, 0));
+    EXPECT_EQ(list[4].Index, 2); // without a match it stays
+}
