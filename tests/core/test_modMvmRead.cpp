@@ -79,9 +79,7 @@ TEST_F(ReadModel, TellsOfWhatIsNoModel)
     const std::string empty = " A save would replace it by an empty model.";
     const std::pair<std::string, std::string> cases[] = {
         {"", ""},
-        {"bone A\r", ""},
         {"bone A\rodd\ntext\r", ""},
-        {"fileinfo\r", ""},
         {"a note\r", none + " It is no model file." + empty},
         {"a note\nof two lines\n", none + lf + empty},
         {"bone A\nbone B\n", "\" was read as a single line." + lf + " A save would leave nothing of the rest."}};
@@ -98,39 +96,34 @@ TEST_F(ReadModel, StopsAtAFailureAndKeepsWhatWasRead)
     const char* const isLarge = "A number is too large.";
     const char* const isOutside = "A whole number is out of range.";
     const struct {
-        const char *Line, *Why;
+        const char* Why;
         int Faces, Vertices;
-    } cases[] = {{"v", isShort, 1, 1},
-                 {"v = (", isShort, 1, 1},
-                 {"t = ", isShort, 1, 1},
-                 {"n = 1", isShort, 1, 1},
-                 {"t = (1E39,0)", isLarge, 1, 1},
-                 {"v = (1E39,0,0),3", isLarge, 1, 1},
-                 {"v = (0,0,1E400),3", isLarge, 1, 1},
-                 {"v = (1,2,3),99999", isOutside, 1, 2},
-                 {"v = (1,2,3),32767.5", isOutside, 1, 2},
-                 {"v = (1,2,3),1E400", isLarge, 1, 2},
-                 {"f = 1,32768", isOutside, 2, 1},
-                 {"f = 1,2,3,4,5,6,7,8,9,3E9", isOutside, 2, 1},
-                 {"f = 1,2,3,4,5,6,7,8,9,-40000", isOutside, 2, 1},
-                 {"f = 1,2,3,4,5,6,7,8,9,1E400", isLarge, 2, 1},
-                 {"}|bone \"B\" {|position = (1E39,0,0)", isLarge, 1, 1},
-                 {"}|instance \"I\" {|rotation = x", isShort, 1, 1},
-                 {"}|instance \"I\" {|scale = 1E39", isLarge, 1, 1}};
+        std::vector<std::string> Lines;
+    } cases[] = {{isShort, 1, 1, {"v", "v = (", "t = ", "n = 1", "}|instance \"I\" {|rotation = x"}},
+                 {isLarge,
+                  1,
+                  1,
+                  {"t = (1E39,0)", "v = (0,0,1E400),3", "}|bone B {|position=(1E39,0,0)", "}|instance I {|scale=1E39"}},
+                 {isOutside, 1, 2, {"v = (1,2,3),99999", "v = (1,2,3),32767.5"}},
+                 {isLarge, 1, 2, {"v = (1,2,3),1E400"}},
+                 {isOutside, 2, 1, {"f = 1,32768", "f = 1,2,3,4,5,6,7,8,9,3E9", "f = 1,2,3,4,5,6,7,8,9,-40000"}},
+                 {isLarge, 2, 1, {"f = 1,2,3,4,5,6,7,8,9,1E400"}}};
     for (const auto& row : cases) {
-        scripted::Reset();
-        PutFile(Path, Lines(BoneText("$j$07") + "skin \"S\"|{|v = (1,2,3),7|f = 1,2,3|" + row.Line +
-                            "|m = late|}|material \"late\"|"));
-        const std::string place = "Line " + std::string(row.Line[0] == '}' ? "13" : "11") + ": ";
-        EXPECT_EQ(Failed(Path), "Runtime error in LoadMVM\n" + place + row.Why) << row.Line;
-        EXPECT_EQ(Meshes[1].FaceCount(), row.Faces) << row.Line;
-        for (const int32_t count :
-             {Meshes[1].VertexCount(), Meshes[1].VertexBones.Count(), Meshes[1].VertexJoints.Count()}) {
-            EXPECT_EQ(count, row.Vertices) << row.Line;
+        for (const std::string& line : row.Lines) {
+            SCOPED_TRACE(line);
+            scripted::Reset();
+            PutFile(Path,
+                    Lines(BoneText("$j$07") + "skin S|{|v = (1,2,3),7|f = 1,2,3|" + line + "|m = late|}|bone late|"));
+            const std::string place = line[0] == '}' ? "Line 13: " : "Line 11: ";
+            EXPECT_EQ(Failed(Path), "Runtime error in LoadMVM\n" + place + row.Why);
+            const MvmMesh& mesh = Meshes[1];
+            EXPECT_EQ(mesh.FaceCount(), row.Faces);
+            EXPECT_THAT((std::array{mesh.VertexCount(), mesh.VertexBones.Count(), mesh.VertexJoints.Count()}),
+                        testing::Each(row.Vertices));
+            EXPECT_TRUE(mesh.MeshMaterialCount() == 0 && Bones.Items.back().Name != "late");
+            EXPECT_TRUE(SkinMesh == 0 && !Bones[1].IsShadow);
+            EXPECT_EQ(scripted::Panel("toolhelp"), "Loading geometry...");
         }
-        EXPECT_EQ(Meshes[1].MeshMaterialCount() + MaterialCount(), 0);
-        EXPECT_TRUE(SkinMesh == 0 && !Bones[1].IsShadow);
-        EXPECT_EQ(scripted::Panel("toolhelp"), "Loading geometry...");
     }
     scripted::Messages.clear();
     EXPECT_EQ(Failed(Folder / "none.mvm"), "Runtime error in LoadMVM\nNo such file or directory");
@@ -194,21 +187,18 @@ TEST_F(ReadModel, BindsToTheLastBoneOfItsKindWithTheNumber)
 {
     const struct {
         std::vector<std::string> BoneNames;
-        const char* Joint;
-        int Bone;
-    } cases[] = {{{}, ",0", 0},          {{"A00"}, ",-32768", 0},
-                 {{"x7."}, ",7", 1},     {{"Toe9", "A01"}, "", 1},
-                 {{"A99"}, ",99", 1},    {{"Toe9", "A01"}, ",9", 0},
-                 {{"x.5"}, ",0.5", 0},   {{"Toe9", "A01"}, ",0", 1},
-                 {{"A07"}, ",7.5", 0},   {{"A01", "x-1"}, ",-1", 2},
-                 {{"A08"}, ",7.5", 1},   {{"A07", "$j$07"}, ",7", 1},
-                 {{"A07"}, ",7,8", 0},   {{"A01", "Root"}, ",-1", 0},
-                 {{"A107"}, ",107", 0},  {{"A00", "Root", "B01"}, "", 2},
-                 {{"A00"}, ",32767", 0}, {{"A07", "B07", "C17"}, ",7", 2},
-                 {{"x-9"}, ",-9", 1},    {{"x-9"}, ",-10", 0}};
+        std::vector<std::pair<const char*, int>> Bound; // what stands behind a vertex, and its bone
+    } cases[] = {
+        {{}, {{",0", 0}}},
+        {{"Toe9", "A01", "B107"}, {{"", 1}, {",0", 1}, {",9", 0}, {",1", 2}, {",7,8", 0}, {",107", 0}}},
+        {{"A00", "Root", "x-1", "x-9"}, {{"", 2}, {",-1", 3}, {",-9", 4}, {",-10", 0}, {",-32768", 0}}},
+        {{"A07", "x7.", "C17", "$j$07", "x.5"}, {{",7", 2}, {",6.5", 0}, {",7.5", 0}, {",0.5", 0}, {",17", 3}}},
+        {{"A08", "B99"}, {{",7.5", 1}, {",99", 2}, {",100", 0}, {",32767", 0}, {",-1", 0}}}};
     for (const auto& row : cases) {
-        ASSERT_TRUE(LoadAnew(Lines(BoneTexts(row.BoneNames) + "skin \"S\" {| v = (1,2,3)" + row.Joint + "|}|")));
-        EXPECT_EQ(Meshes[1].VertexBones[1], row.Bone) << row.Joint << testing::PrintToString(row.BoneNames);
+        for (const auto& [joint, bone] : row.Bound) {
+            ASSERT_TRUE(LoadAnew(Lines(BoneTexts(row.BoneNames) + "skin \"S\" {| v = (1,2,3)" + joint + "|}|")));
+            EXPECT_EQ(Meshes[1].VertexBones[1], bone) << joint << testing::PrintToString(row.BoneNames);
+        }
     }
     // A mesh with both roles takes the later bone of both kinds.
     for (const bool shadowLast : {false, true}) {
@@ -224,10 +214,9 @@ TEST_F(ReadModel, BindsToTheLastBoneOfItsKindWithTheNumber)
 
 TEST_F(ReadModel, WorksOutRolesFromNames)
 {
-    ASSERT_TRUE(
-        Load(Lines(BoneTexts({"A01", "$J$B01"}) + "mesh \"head\"|skin \"S1\" {|v = (0,0,0),1|}|skin \"S$h\" {|v = "
-                                                  "(0,0,0),1|}|mesh \"my$HEADbody\"|mesh \"$Tail\"|"
-                                                  "mesh \"$tail2\"|skin \"S2\" {|v=(0,0,0),1|}|mesh \"$\"|")));
+    ASSERT_TRUE(Load(Lines(BoneTexts({"A01", "$J$B01"}) +
+                           "mesh head|skin S1 {|v = (0,0,0),1|}|skin S$h {|v = (0,0,0),1|}|mesh my$HEADbody|"
+                           "mesh $Tail|mesh $tail2|skin S2 {|v=(0,0,0),1|}|mesh $|")));
     EXPECT_THAT((std::array{SkinMesh, ShadowMesh, HeadMesh, BodyMesh, TailMesh}), ElementsAre(7, 3, 4, 4, 6));
     EXPECT_TRUE(!Bones[1].IsShadow && Bones[2].IsShadow);
     EXPECT_EQ(Meshes[2].VertexBones[1], 1); // bound while it held the role

@@ -1,5 +1,4 @@
 #include <random>
-#include <span>
 
 #include <gtest/gtest.h>
 
@@ -8,22 +7,17 @@
 
 namespace {
 
+template <typename T>
+std::string BytesOf(const Array1<T>& array)
+{
+    return {reinterpret_cast<const char*>(array.Items.data()), array.Items.size() * sizeof(T)};
+}
+
 /// What a mesh holds, bit for bit.
 std::string BytesOf(const MvmMesh& mesh)
 {
-    std::string text;
-    const auto put = [&text](const auto& array) {
-        const auto bytes = std::as_bytes(std::span(array.Items));
-        text += std::to_string(bytes.size()) + ":";
-        text.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    };
-    put(mesh.Vertices);
-    put(mesh.Normals);
-    put(mesh.TexCoords);
-    put(mesh.VertexBones);
-    put(mesh.VertexJoints);
-    put(mesh.Faces);
-    return text;
+    return BytesOf(mesh.Vertices) + "v" + BytesOf(mesh.Normals) + "n" + BytesOf(mesh.TexCoords) + "t" +
+           BytesOf(mesh.VertexBones) + "b" + BytesOf(mesh.VertexJoints) + "j" + BytesOf(mesh.Faces);
 }
 
 } // namespace
@@ -33,22 +27,19 @@ TEST(UsualLines, ReadLikeTheGeneralRules)
 {
     std::mt19937 random(3);
     const std::string_view odd = "0123456789.,()-+eEdD \t\n=vntfm{}\"x";
-    const std::vector<std::string> seeds = {" v = (1.5,-22.25,3),7",
-                                            "\t v\t=  (123456789.123456789,-0,0.00000000000000001),-1",
-                                            " v = (9007199254740993,0.1,999999999999999),32767",
-                                            "t=(0.123456,0.654321)",
-                                            " n = (-0.5773503,0.5773503,-0.5773503)",
-                                            " f = (1,22,333),(4444,5555,32767),(-1,-32767,0),2",
-                                            " f = (1,2,3),(4,5,6),(7,8,9),3",
-                                            " v = (1,2,3),32768",
-                                            "v = (1234567.12345678,.5,5.)",
-                                            " f = (1,2,3),(4,5,6),(7,8,99999),1"};
-    const std::vector<bool> usual = {true, false, false, true, true, true, true, false, true, false};
+    const std::pair<bool, std::string> seeds[] = {{true, " v = (1.5,-22.25,3),7"},
+                                                  {true, " n = (-0.5773503,0.5773503,-0.5773503)"},
+                                                  {true, "t\t=(0.123456,.5)"},
+                                                  {true, " v = (999999999999999,5.,1)"},
+                                                  {true, " f = (1,22,333),(4444,5555,32767),(-1,-32767,0),2"},
+                                                  {true, " f = (1,2,3),(4,5,6),(7,8,9),3"},
+                                                  {false, " v = (9007199254740993,0.00000000000000001,1)"},
+                                                  {false, " v = (1,2,3),32768"},
+                                                  {false, " f = (1,2,3),(4,5,6),(7,8,99999),1"}};
     for (size_t round = 0; round < 60'000; ++round) {
-        std::string line = seeds[round % seeds.size()];
-        for (auto changes = round < seeds.size() ? 0 : random() % 3; changes > 0; --changes) {
-            const size_t place = random() % line.size();
-            line.replace(place, random() % 2, random() % 3, odd[random() % odd.size()]);
+        auto [usual, line] = seeds[round % std::size(seeds)];
+        for (auto changes = round < std::size(seeds) ? 0 : random() % 3; changes > 0; --changes) {
+            line.replace(random() % line.size(), random() % 2, random() % 3, odd[random() % odd.size()]);
         }
         MvmMesh quick;
         quick.IsSkin = round % 2 == 0;
@@ -56,9 +47,7 @@ TEST(UsualLines, ReadLikeTheGeneralRules)
         MvmMesh general = quick;
         const std::string ended = line + '\r';
         const char* const end = ReadUsualLine(ended.data(), &quick);
-        if (round < seeds.size()) {
-            EXPECT_EQ(end != nullptr, usual[round]) << line;
-        }
+        EXPECT_TRUE(round >= std::size(seeds) || usual == (end != nullptr)) << line;
         if (end != nullptr) {
             ASSERT_EQ(end, ended.data() + line.size()) << line;
             ASSERT_EQ(line.find_first_of("{}\""), std::string::npos) << line;
