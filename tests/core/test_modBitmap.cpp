@@ -8,38 +8,27 @@ using namespace std::string_literals;
 
 namespace {
 
-using ABitmap = Fresh;
-using TheTextures = FreshFolder;
+using ABitmap = FreshFolder;
 
 const std::string plainColors = bmp::TrueColors(2, 2, std::string(12, '\x50'));
+const std::string alpha = bmp::EightBits(2, 2, 256, bmp::Gray, "\0\xFF\x80\7"s);
 
-uint32_t White(int)
-{
-    return 0xFFFFFFU;
-}
-
-/// Reads and merges. Gives the log, then the pixels in hexadecimal digits or the error; an empty picture took no memory.
+/// Reads and merges. Gives the log and the pixels or the error.
 std::string Read(const std::string& color, const std::string& opacity = "")
 {
-    scripted::Log.clear();
+    scripted::Log = {""};
     Bitmap bitmap;
-    std::string error;
-    BitmapResult result = ReadColorMap(color, "c.bmp", &bitmap, &error);
-    if (result == BitmapResult::Done && !opacity.empty()) {
-        result = MergeOpacityMap(opacity, "o.bmp", "c.bmp", &bitmap, &error);
-    } else if (result != BitmapResult::Done) {
-        EXPECT_EQ(bitmap.Pixels.capacity(), 0U);
-    }
     std::string text;
-    for (const std::string& line : scripted::Log) {
-        text += line + "\n";
+    BitmapResult result = ReadColorMap(color, "c.bmp", &bitmap, &text);
+    EXPECT_TRUE(result == BitmapResult::Done || bitmap.Pixels.capacity() == 0);
+    if (result == BitmapResult::Done && !opacity.empty()) {
+        result = MergeOpacityMap(opacity, "o.bmp", "c.bmp", &bitmap, &text);
     }
-    EXPECT_EQ(error.empty(), result != BitmapResult::Failed);
     for (size_t i = 0; result == BitmapResult::Done && i < bitmap.Pixels.size(); ++i) {
-        text += (i > 0 && i % 4 == 0 ? " " : "") + ""s + "0123456789ABCDEF"[bitmap.Pixels[i] / 16] +
-                "0123456789ABCDEF"[bitmap.Pixels[i] % 16];
+        text += std::to_string(bitmap.Pixels[i]) + (i % 4 < 3 ? "." : " ");
     }
-    return text + error;
+    EXPECT_EQ(result == BitmapResult::Refused, text.empty());
+    return scripted::Log.back() + text;
 }
 
 } // namespace
@@ -48,37 +37,29 @@ TEST_F(ABitmap, ReadsColorsAndAlpha)
 {
     const auto color = [](int i) { return i == 2 ? 0x102032U : 0x0000FEU + static_cast<uint32_t>(i); };
     const auto blueWithSpare = [](int) { return 0x770000FFU; };
+    const auto white = [](int) { return 0xFFFFFFU; };
     const std::string indices = "\0\1\2\xFF"s;
     std::string noCount = bmp::EightBits(2, 2, 256, bmp::Gray, indices);
     bmp::Put(&noCount, 46, 0, 4);
-    const struct {
-        const char* What;
-        std::string Color, Opacity, Result;
-    } cases[] = {
-        {"rows of the file, blue first", bmp::TrueColors(4, 2, "\1\2\3\xFF\0\0"s + std::string(15, '\0') + "\7\x8\x9"),
-         "", "030201FF 0000FFFF 000000FF 000000FF 000000FF 000000FF 000000FF 090807FF"},
-        {"two bytes tell the bits", bmp::Header(2, 2, 0x77780018, 0) + std::string(12, 'P'), "",
-         "505050FF 505050FF 505050FF 505050FF"},
-        {"only pure blue at the start turns grey", bmp::EightBits(2, 2, 3, color, indices), "",
-         "0000FEFF 0000FFFF 102032FF 000000FF"},
-        {"the spare byte counts for nothing", bmp::EightBits(2, 2, 1, blueWithSpare, indices), "",
-         "3F3F3FFF 000000FF 000000FF 000000FF"},
-        {"black behind the palette", bmp::EightBits(2, 2, 1, White, indices), "",
-         "FFFFFFFF 000000FF 000000FF 000000FF"},
-        {"over 256 entries", bmp::EightBits(2, 2, 300, bmp::Gray, indices), "", "000000FF 010101FF 020202FF FFFFFFFF"},
-        {"no count", noCount, "",
-         "Texture \"c.bmp\" is corrupted, see readme FAQ for details.\n000000FF 010101FF 020202FF FFFFFFFF"},
-        {"indices are the alpha", plainColors, bmp::EightBits(2, 2, 256, White, "\0\xFF\x80\7"s),
-         "50505000 505050FF 50505080 50505007"}};
-    for (const auto& row : cases) {
-        EXPECT_EQ(Read(row.Color, row.Opacity), row.Result) << row.What;
-    }
+    const std::string grays = "0.0.0.255 1.1.1.255 2.2.2.255 255.255.255.255 ";
+    // Rows of the file, blue first; two bytes tell the bits.
+    EXPECT_EQ(Read(bmp::TrueColors(4, 2, "\1\2\3\xFF\0\0"s + std::string(15, '\0') + "\7\x8\x9")),
+              "3.2.1.255 0.0.255.255 0.0.0.255 0.0.0.255 0.0.0.255 0.0.0.255 0.0.0.255 9.8.7.255 ");
+    EXPECT_EQ(Read(bmp::Header(2, 2, 0x77780018, 0) + std::string(12, '\1')),
+              "1.1.1.255 1.1.1.255 1.1.1.255 1.1.1.255 ");
+    // Of a palette only pure blue at the start turns grey; the spare byte counts for nothing; black is behind it.
+    EXPECT_EQ(Read(bmp::EightBits(2, 2, 3, color, indices)), "0.0.254.255 0.0.255.255 16.32.50.255 0.0.0.255 ");
+    EXPECT_EQ(Read(bmp::EightBits(2, 2, 1, blueWithSpare, indices)), "63.63.63.255 0.0.0.255 0.0.0.255 0.0.0.255 ");
+    EXPECT_EQ(Read(bmp::EightBits(2, 2, 1, white, indices)), "255.255.255.255 0.0.0.255 0.0.0.255 0.0.0.255 ");
+    EXPECT_EQ(Read(bmp::EightBits(2, 2, 300, bmp::Gray, indices)), grays);
+    EXPECT_EQ(Read(noCount), "Texture \"c.bmp\" is corrupted, see readme FAQ for details." + grays);
+    EXPECT_EQ(Read(plainColors, alpha), "80.80.80.0 80.80.80.255 80.80.80.128 80.80.80.7 ");
 }
 
 TEST_F(ABitmap, RefusesMapsInTheOrderOfTheTests)
 {
-    const std::string power = "Bitmap \"c.bmp\" does not have power of two dimensions.\n";
-    const std::string bits = "Texture \"c.bmp\" is not 8-bit or 24-bit.\n";
+    const std::string power = "Bitmap \"c.bmp\" does not have power of two dimensions.";
+    const std::string bits = "Texture \"c.bmp\" is not 8-bit or 24-bit.";
     const std::string cut = "The file ends before its data is complete.";
     const std::string negative = "The number of palette entries is negative.";
     const std::pair<std::string, std::string> colors[] = {
@@ -93,10 +74,10 @@ TEST_F(ABitmap, RefusesMapsInTheOrderOfTheTests)
     for (const auto& [header, words] : colors) {
         EXPECT_EQ(Read(header + std::string(2000, 'x')), words);
     }
-    const std::string width = "Texture \"o.bmp\" width does not match \"c.bmp\".\n";
-    const std::string height = "Texture \"o.bmp\" height does not match \"c.bmp\".\n";
-    const std::string entries = "Texture \"o.bmp\" does not have 256 palette entries.\n";
-    const std::string eight = "Texture \"o.bmp\" is not 8-bit.\n";
+    const std::string width = "Texture \"o.bmp\" width does not match \"c.bmp\".";
+    const std::string height = "Texture \"o.bmp\" height does not match \"c.bmp\".";
+    const std::string entries = "Texture \"o.bmp\" does not have 256 palette entries.";
+    const std::string eight = "Texture \"o.bmp\" is not 8-bit.";
     const std::pair<std::string, std::string> opacities[] = {
         {bmp::Header(2, 2, 24, 0), eight},  {bmp::Header(2, 2, 8, 16), entries},
         {bmp::Header(4, 4, 24, 0), width},  {bmp::Header(2, -2, 8, 256), height},
@@ -105,7 +86,6 @@ TEST_F(ABitmap, RefusesMapsInTheOrderOfTheTests)
     for (const auto& [header, words] : opacities) {
         EXPECT_EQ(Read(plainColors, header), words);
     }
-    const std::string alpha = bmp::EightBits(2, 2, 256, bmp::Gray, "\1\2\3\4");
     for (const std::string& file : {bmp::EightBits(4, 2, 7, bmp::Gray, std::string(8, '\1')), plainColors, alpha}) {
         for (size_t length = 1; length < file.size(); ++length) {
             ASSERT_EQ(file == alpha ? Read(plainColors, file.substr(0, length)) : Read(file.substr(0, length)), cut);
@@ -114,47 +94,48 @@ TEST_F(ABitmap, RefusesMapsInTheOrderOfTheTests)
     }
 }
 
-TEST_F(TheTextures, AreFoundAsGivenThenBesideTheModelInAnyCase)
+TEST_F(ABitmap, IsFoundAsGivenThenBesideTheModelInAnyCase)
 {
-    PutFile(Folder / "Hide.bmp", plainColors);
+    std::filesystem::create_directory(Folder / "sub");
+    for (const char* name : {"Hide.bmp", "sub/deep.bmp", ".hidden.bmp"}) {
+        PutFile(Folder / name, plainColors);
+    }
     PutFile(Folder / "cut.bmp", plainColors.substr(0, 60));
     PutFile(Folder / "odd.bmp", bmp::Header(3, 3, 24, 0));
-    PutFile(Folder / "Alpha.BMP", bmp::EightBits(2, 2, 256, bmp::Gray, "\1\2\3\4"));
-    std::filesystem::create_directory(Folder / "sub");
-    PutFile(Folder / "sub/deep.bmp", plainColors);
+    PutFile(Folder / "Alpha.BMP", alpha);
     const struct {
         std::string Color, Opacity, Log;
-        bool Found, HasOpacity;
-    } cases[] = {{"Hide.bmp", "", "", true, false},
-                 {"C:\\maps\\hide.BMP", "x/ALPHA.bmp", "", true, true},
-                 {Folder / "sub/deep.bmp", "", "", true, false},
-                 {Folder / "sub\\deep.bmp", "", "", true, false},
-                 {"deep\xE4.bmp", "", "Texture \"deep\u00E4.bmp\" not found.", false, false},
-                 {"Hide.bmp", "sub", "Texture \"sub\" not found.", true, false},
-                 {"", "Alpha.BMP", "", false, false},
-                 {"odd.bmp", "", "Bitmap \"" + (Folder / "odd.bmp") + "\" does not have power of two dimensions.",
-                  false, false}};
+        int Texture; // 0 for one that cannot be used, 7 where none is looked for
+        bool HasOpacity;
+    } cases[] = {
+        {"Hide.bmp", "", "", 1, false},
+        {"C:\\maps\\hide.BMP", "x/ALPHA.bmp", "", 1, true},
+        {Folder / "sub\\deep.bmp", "", "", 1, false},
+        {"deep\xE4.bmp", "", "Texture \"deep\u00E4.bmp\" not found.", 7, false},
+        {"Hide.bmp", ".hidden.bmp", "Texture \".hidden.bmp\" not found.", 1, false},
+        {"", "Alpha.BMP", "", 7, false},
+        {"odd.bmp", "", "Bitmap \"" + (Folder / "odd.bmp") + "\" does not have power of two dimensions.", 0, false}};
     for (const auto& row : cases) {
         scripted::Reset();
-        Materials.Add();
-        Materials.Add({"M", row.Color, row.Opacity, "", 7});
+        Materials.Items = {{}, {"M", row.Color, row.Opacity, "", 7}};
         LoadTextures(Folder / "a.mvm");
-        EXPECT_EQ(scripted::Log, row.Log.empty() ? std::vector<std::string>{} : std::vector<std::string>{row.Log});
-        EXPECT_EQ(TextureCount(), row.Found ? 1 : 0) << row.Color;
-        EXPECT_EQ(Materials[2].Texture, row.Found ? 1 : row.Log.starts_with("B") ? 0 : 7) << row.Color;
-        EXPECT_EQ(row.Found && Textures[1].HasOpacity, row.HasOpacity) << row.Color;
+        EXPECT_EQ(scripted::Log, std::vector<std::string>(row.Log.empty() ? 0 : 1, row.Log));
+        EXPECT_EQ(Materials[2].Texture, row.Texture) << row.Color;
+        EXPECT_EQ(TextureCount() == 1 && Textures[1].HasOpacity, row.HasOpacity) << row.Color;
         EXPECT_THAT(scripted::Progress, testing::ElementsAre(testing::Pair(2, 1), testing::Pair(2, 2)));
         EXPECT_EQ(scripted::Panel("toolhelp"), "Ready...");
     }
-    const std::string cut = Folder / "cut.bmp";
-    EXPECT_EQ(LoadTexture(cut, ""), 0);
-    EXPECT_EQ(LoadTexture(Folder / "Hide.bmp", Folder / "none"), 0);
-    EXPECT_EQ(LoadTexture(Folder / "none", ""), 0);
-    ASSERT_EQ(scripted::Messages.size(), 3U);
-    EXPECT_THAT(scripted::Messages[0],
-                IsBox(BoxIcon::Stop, "Runtime error in LoadTexture\nThe file ends before its data is complete.\n\"" +
-                                         cut + "\"\r\nMake sure your textures have power-of-two dimensions!"));
-    EXPECT_THAT(scripted::Messages[2].Text, testing::HasSubstr("\nNo such file or directory\n"));
+    const auto failure = [this](const char* name, const std::string& why) {
+        return IsBox(BoxIcon::Stop, "Runtime error in LoadTexture\n" + why + "\n\"" + (Folder / name) +
+                                        "\"\r\nMake sure your textures have power-of-two dimensions!");
+    };
+    EXPECT_EQ(LoadTexture(Folder / "cut.bmp", "") + LoadTexture(Folder / "Hide.bmp", "no") +
+                  LoadTexture(Folder / "no", ""),
+              0);
+    EXPECT_THAT(scripted::Messages,
+                testing::ElementsAre(failure("cut.bmp", "The file ends before its data is complete."),
+                                     failure("Hide.bmp", "No such file or directory"),
+                                     failure("no", "No such file or directory")));
     Textures.Items.resize(INT16_MAX);
     EXPECT_EQ(LoadTexture(Folder / "Hide.bmp", ""), 0);
     EXPECT_THAT(scripted::Log.back(), testing::EndsWith("is one too many: a model can have 32767 textures."));
