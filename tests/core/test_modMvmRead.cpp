@@ -4,51 +4,20 @@
 #include "model/modMvmBind.h"
 #include "support/fresh.h"
 
-namespace {
-
 using testing::ElementsAre;
 using testing::Pair;
-
-/// All names, each with a slash behind it.
-template <typename Record>
-std::string NamesOf(const Array1<Record>& records)
-{
-    std::string names;
-    for (const Record& record : records) {
-        names += record.Name + "/";
-    }
-    return names;
-}
-
-class ReadModel : public ModelFile {
-protected:
-    /// Loads, expects a failure, and gives its message.
-    std::string Failed(const std::string& path)
-    {
-        EXPECT_FALSE(LoadMVM(path)) << path;
-        EXPECT_FALSE(LoadRunning);
-        EXPECT_THAT(scripted::Messages, ElementsAre(IsBox(BoxIcon::Stop, testing::_)));
-        return scripted::Messages.empty() ? std::string() : scripted::Messages[0].Text;
-    }
-};
-
-std::string BoneTexts(const std::vector<std::string>& names)
-{
-    std::string text;
-    for (const std::string& name : names) {
-        text += BoneText(name);
-    }
-    return text;
-}
-
-} // namespace
+using namespace std::string_literals;
+using ReadModel = ModelFile;
 
 TEST_F(ReadModel, SplitsHeadersAtSingleBlanksAndLinesAtCrOnly)
 {
-    using namespace std::string_literals;
     const auto check = [this](const std::string& header, const std::string& names) {
         ASSERT_TRUE(LoadAnew(header));
-        EXPECT_EQ(NamesOf(Bones), names) << header;
+        std::string found;
+        for (const MvmBone& bone : Bones) {
+            found += bone.Name + "/";
+        }
+        EXPECT_EQ(found, names) << header;
     };
     const std::pair<const char*, const char*> cases[] = {{"BONE \"Ab\"", "Ab/"}, {"  bone \"A\"  ", "A/"},
                                                          {"\tbone \"A\"", ""},   {"bone\t\"A\"", ""},
@@ -65,8 +34,7 @@ TEST_F(ReadModel, SplitsHeadersAtSingleBlanksAndLinesAtCrOnly)
     check("bone \"A\"\n{\n}\nbone \"B\"\n{\n}\n", "A\n{\n}\nbone/"); // one line, and its braces open no second block
     check("\nbone \"X\"\rbone \"A\"\r\r\n{\rposition=(1\n2,\n3,4)\r\nposition\n=(0,0,0)\0\x1A\r}"s, "A/");
     // LF is a blank of numbers only.
-    EXPECT_EQ(Bones[1].Position.X, 12);
-    EXPECT_EQ(Bones[1].Position.Z, -3);
+    EXPECT_TRUE(Bones[1].Position.X == 12 && Bones[1].Position.Z == -3);
     EXPECT_EQ(Bones[1].ExtraText, "position\n=(0,0,0)\0\x1A\r\n"s);
     ASSERT_TRUE(Load(Lines("fileinfo and more|{| FormatVersion = \"1 .0\" . 2 = 5|author = 3|}|")));
     EXPECT_EQ(FormatVersion, "\"1 .0\".2");
@@ -75,58 +43,53 @@ TEST_F(ReadModel, SplitsHeadersAtSingleBlanksAndLinesAtCrOnly)
 TEST_F(ReadModel, TellsOfWhatIsNoModel)
 {
     const std::string lf = " Its lines end in LF alone; those of a model file end in CR LF.";
-    const std::string none = "\" holds no material, bone, mesh or instance.";
-    const std::string empty = " A save would replace it by an empty model.";
-    const std::pair<std::string, std::string> cases[] = {
-        {"", ""},
-        {"bone A\rodd\ntext\r", ""},
-        {"a note\r", none + " It is no model file." + empty},
-        {"a note\nof two lines\n", none + lf + empty},
-        {"bone A\nbone B\n", "\" was read as a single line." + lf + " A save would leave nothing of the rest."}};
-    for (const auto& [text, line] : cases) {
-        EXPECT_TRUE(LoadAnew(text));
-        EXPECT_EQ(scripted::Log,
-                  line.empty() ? std::vector<std::string>{} : std::vector<std::string>{'"' + Path + line});
-    }
+    const std::string none = "Log: \"" + Path + "\" holds no material, bone, mesh or instance.";
+    const std::string empty = " A save would replace it by an empty model.\n";
+    EXPECT_TRUE(LoadAnew("bone A\rodd\ntext\r"));
+    EXPECT_EQ(Told(), "");
+    EXPECT_TRUE(LoadAnew("a note\r"));
+    EXPECT_EQ(Told(), none + " It is no model file." + empty);
+    EXPECT_TRUE(LoadAnew("a note\nof two lines\n"));
+    EXPECT_EQ(Told(), none + lf + empty);
+    EXPECT_TRUE(LoadAnew("bone A\nbone B\n"));
+    EXPECT_EQ(Told(),
+              "Log: \"" + Path + "\" was read as a single line." + lf + " A save would leave nothing of the rest.\n");
 }
 
 TEST_F(ReadModel, StopsAtAFailureAndKeepsWhatWasRead)
 {
-    const char* const isShort = "A value is too short for coordinates.";
-    const char* const isLarge = "A number is too large.";
-    const char* const isOutside = "A whole number is out of range.";
     const struct {
         const char* Why;
         int Faces, Vertices;
         std::vector<std::string> Lines;
-    } cases[] = {{isShort, 1, 1, {"v", "v = (", "t = ", "n = 1", "}|instance \"I\" {|rotation = x"}},
-                 {isLarge,
-                  1,
-                  1,
-                  {"t = (1E39,0)", "v = (0,0,1E400),3", "}|bone B {|position=(1E39,0,0)", "}|instance I {|scale=1E39"}},
-                 {isOutside, 1, 2, {"v = (1,2,3),99999", "v = (1,2,3),32767.5"}},
-                 {isLarge, 1, 2, {"v = (1,2,3),1E400"}},
-                 {isOutside, 2, 1, {"f = 1,32768", "f = 1,2,3,4,5,6,7,8,9,3E9", "f = 1,2,3,4,5,6,7,8,9,-40000"}},
-                 {isLarge, 2, 1, {"f = 1,2,3,4,5,6,7,8,9,1E400"}}};
+    } cases[] = {
+        {"A value is too short for coordinates.", 1, 1, {"v", "v = (", "t = ", "n = 1", "}|instance I {|rotation = x"}},
+        {"A number is too large.",
+         1,
+         1,
+         {"t = (1E39,0)", "v = (0,0,1E400),3", "v = (1E39,0,0)", "}|instance I {|scale=1E39"}},
+        {"A whole number is out of range.", 1, 2, {"v = (1,2,3),99999", "v = (1,2,3),32767.5"}},
+        {"A number is too large.", 1, 2, {"v = (1,2,3),1E400"}},
+        {"A whole number is out of range.",
+         2,
+         1,
+         {"f = 1,32768", "f=1,2,3,4,5,6,7,8,9,3E9", "f=1,2,3,4,5,6,7,8,9,-40000"}},
+        {"A number is too large.", 2, 1, {"f = 1,2,3,4,5,6,7,8,9,1E400"}}};
     for (const auto& row : cases) {
         for (const std::string& line : row.Lines) {
             SCOPED_TRACE(line);
-            scripted::Reset();
-            PutFile(Path,
-                    Lines(BoneText("$j$07") + "skin S|{|v = (1,2,3),7|f = 1,2,3|" + line + "|m = late|}|bone late|"));
-            const std::string place = line[0] == '}' ? "Line 13: " : "Line 11: ";
-            EXPECT_EQ(Failed(Path), "Runtime error in LoadMVM\n" + place + row.Why);
+            EXPECT_FALSE(
+                LoadAnew(Lines("bone $j$07|skin S|{|v = (1,2,3),7|f = 1,2,3|" + line + "|m = late|}|bone late|")));
+            const std::string place = line[0] == '}' ? "Line 8: " : "Line 6: ";
+            EXPECT_EQ(Told(), "Stop: Runtime error in LoadMVM\n" + place + row.Why + "\n");
             const MvmMesh& mesh = Meshes[1];
-            EXPECT_EQ(mesh.FaceCount(), row.Faces);
             EXPECT_THAT((std::array{mesh.VertexCount(), mesh.VertexBones.Count(), mesh.VertexJoints.Count()}),
                         testing::Each(row.Vertices));
-            EXPECT_TRUE(mesh.MeshMaterialCount() == 0 && Bones.Items.back().Name != "late");
-            EXPECT_TRUE(SkinMesh == 0 && !Bones[1].IsShadow);
+            EXPECT_EQ(mesh.FaceCount(), row.Faces);
+            EXPECT_TRUE(BoneCount() == 1 && !Bones[1].IsShadow && SkinMesh == 0 && !LoadRunning);
             EXPECT_EQ(scripted::Panel("toolhelp"), "Loading geometry...");
         }
     }
-    scripted::Messages.clear();
-    EXPECT_EQ(Failed(Folder / "none.mvm"), "Runtime error in LoadMVM\nNo such file or directory");
 }
 
 TEST_F(ReadModel, ReadsLinesThatLieAcrossThePiecesOfAFile)
@@ -145,19 +108,22 @@ TEST_F(ReadModel, ReadsLinesThatLieAcrossThePiecesOfAFile)
         ASSERT_EQ(Meshes[1].Vertices[v + 1].X, static_cast<float>(v));
     }
     EXPECT_EQ(Meshes[1].VertexJoints[vertices + 1], 8);
-
     scripted::Reset();
     PutFile(Path, "bone \"A\"\r\n" + std::string(1'000'000, '\r') + "bone \"B\"\r\n");
     scripted::FailAt = 3; // behind the open and the first piece
     scripted::FailError = EIO;
-    EXPECT_EQ(Failed(Path), "Runtime error in LoadMVM\nInput/output error");
-    EXPECT_EQ(NamesOf(Bones), "A/");
+    EXPECT_FALSE(LoadMVM(Path) || LoadMVM(Folder / "none"));
+    EXPECT_EQ(BoneCount(), 1);
+    EXPECT_EQ(Told(),
+              "Stop: Runtime error in LoadMVM\nInput/output error\nStop: Runtime error in LoadMVM\nNo such file or "
+              "directory\n");
 }
 
 TEST_F(ReadModel, StepsThroughTheFileUntilStopped)
 {
-    ASSERT_TRUE(Load(""));
-    EXPECT_TRUE(scripted::Progress.empty());
+    const std::string line = "bone which means nothing today\r\n"; // 32 bytes
+    ASSERT_TRUE(Load(line + line + line + line + line + line + line + line));
+    EXPECT_THAT(scripted::Progress, ElementsAre(Pair(256, 0), Pair(256, 128), Pair(256, 256)));
     std::string steps;
     for (const auto& [key, step] : scripted::Panels) {
         steps += key + " " + step;
@@ -165,19 +131,14 @@ TEST_F(ReadModel, StepsThroughTheFileUntilStopped)
     EXPECT_EQ(steps,
               "toolhelp Loading geometry...toolhelp Loading textures...toolhelp Ready...toolhelp Verifying shadow "
               "bones...toolhelp Verifying meshes...toolhelp Ready...");
-    const std::string line = "bone which means nothing today\r\n"; // 32 bytes
-    ASSERT_TRUE(LoadAnew(line + line + line + line + line + line + line + line));
-    EXPECT_THAT(scripted::Progress, ElementsAre(Pair(256, 0), Pair(256, 128), Pair(256, 256)));
     scripted::Reset();
     StopRequested = true;
-    EXPECT_FALSE(Load(line + line));
-    EXPECT_FALSE(LoadRunning);
+    EXPECT_FALSE(Load(line + line) || Load("") || LoadRunning);
     StopRequested = false;
     LoadRunning = true; // no load inside another one
-    EXPECT_FALSE(LoadMVM(Path));
-    EXPECT_TRUE(LoadRunning);
+    EXPECT_TRUE(!LoadMVM(Path) && LoadRunning);
     LoadRunning = false;
-    EXPECT_TRUE(BoneCount() == 1 && scripted::Messages.empty());
+    EXPECT_EQ(std::to_string(BoneCount()) + Told(), "1");
 }
 
 TEST_F(ReadModel, BindsToTheLastBoneOfItsKindWithTheNumber)
@@ -193,43 +154,37 @@ TEST_F(ReadModel, BindsToTheLastBoneOfItsKindWithTheNumber)
         {{"A08", "B99"}, {{",7.5", 1}, {",99", 2}, {",100", 0}, {",32767", 0}, {",-1", 0}}}};
     for (const auto& row : cases) {
         for (const auto& [joint, bone] : row.Bound) {
-            ASSERT_TRUE(LoadAnew(Lines(BoneTexts(row.BoneNames) + "skin \"S\" {| v = (1,2,3)" + joint + "|}|")));
+            scripted::Reset();
+            AddBones(row.BoneNames);
+            ASSERT_TRUE(Load("skin \"S\" {\r\n v = (1,2,3)"s + joint + "\r\n}\r\n"));
             EXPECT_EQ(Meshes[1].VertexBones[1], bone) << joint << testing::PrintToString(row.BoneNames);
         }
     }
     // A mesh with both roles takes the later bone of both kinds.
-    ASSERT_TRUE(
-        LoadAnew(Lines(BoneTexts({"A01", "$j$01", "$j$02", "B02"}) + "skin S$ {|v = (0,0,0),1|v = (0,0,0),2|}|")));
+    scripted::Reset();
+    AddBones({"A01", "$j$01", "$j$02", "B02"});
+    ASSERT_TRUE(Load("skin S$ {\rv = (0,0,0),1\rv = (0,0,0),2\r}\r"));
     VerifyMeshes();
     EXPECT_THAT(Meshes[1].VertexBones.Items, ElementsAre(2, 4));
 }
 
-TEST_F(ReadModel, WorksOutRolesFromNames)
+TEST_F(ReadModel, WorksOutRolesAndMaterialsFromNames)
 {
-    ASSERT_TRUE(Load(Lines(BoneTexts({"A01", "$J$B01"}) +
-                           "mesh head|skin S1 {|v = (0,0,0),1|}|skin S$h {|v = (0,0,0),1|}|mesh my$HEADbody|"
-                           "mesh $Tail|mesh $tail2|skin S2 {|v=(0,0,0),1|}|mesh $|")));
+    AddBones({"A01", "$J$B01"});
+    ASSERT_TRUE(Load(Lines("mesh head|skin S1 {|v = (0,0,0),1|}|skin S$h {|v = (0,0,0),1|}|mesh my$HEADbody|mesh $Tail|"
+                           "mesh $tail2|skin S2 {|v=(0,0,0),1|m = A|m = \"B\"|m = a|}|mesh $|"
+                           "material \"A\"|material B|material \"A\"|")));
     EXPECT_THAT((std::array{SkinMesh, ShadowMesh, HeadMesh, BodyMesh, TailMesh}), ElementsAre(7, 3, 4, 4, 6));
-    EXPECT_TRUE(!Bones[1].IsShadow && Bones[2].IsShadow);
-    EXPECT_EQ(Meshes[2].VertexBones[1], 1); // bound while it held the role
-    EXPECT_EQ(Meshes[3].VertexBones[1], 2);
-    EXPECT_EQ(Meshes[7].VertexBones[1], 1);
-
+    // The first was bound while it held the role.
+    EXPECT_TRUE(Meshes[2].VertexBones[1] == 1 && Meshes[3].VertexBones[1] == 2 && Meshes[7].VertexBones[1] == 1);
+    const auto& list = Meshes[7].MeshMaterials;
+    EXPECT_THAT((std::array{list[1].Index, list[2].Index, list[3].Index}), ElementsAre(3, 2, 0));
     // No index reaches the last ones: a bone above the range binds nothing, a mesh above it gets no role.
-    scripted::Reset();
-    Meshes.Items.resize(32768, {.IsSkin = true});
-    Bones.Items.resize(32768, {.Name = "A01"});
-    Meshes[32767].Vertices.Items.resize(2);
-    Meshes[32767].VertexBones.Items = {0, 0};
-    Meshes[32767].VertexJoints.Items = {1}; // one too few
+    Meshes.Items.assign(32768, {.IsSkin = true});
+    Bones.Items.assign(32768, {.Name = "A01"});
+    Meshes[32767] = {
+        .Vertices = {{{}, {}}}, .IsSkin = true, .VertexBones = {{0, 0}}, .VertexJoints = {{1}}}; // one too few
     VerifyMeshes();
     EXPECT_EQ(SkinMesh, 32767);
     EXPECT_THAT(Meshes[32767].VertexBones.Items, ElementsAre(32767, 0));
-}
-
-TEST_F(ReadModel, FindsTheLastMaterialOfAName)
-{
-    ASSERT_TRUE(Load(Lines("mesh \"M\" {|m = A|m = \"B\"|m = a|}|material \"A\"|material B|material \"A\"|")));
-    const auto& list = Meshes[1].MeshMaterials;
-    EXPECT_THAT((std::array{list[1].Index, list[2].Index, list[3].Index}), ElementsAre(3, 2, 0));
 }

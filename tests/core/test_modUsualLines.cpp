@@ -49,8 +49,7 @@ TEST(UsualLines, ReadLikeTheGeneralRules)
         const char* const end = ReadUsualLine(ended.data(), &quick);
         EXPECT_TRUE(round >= std::size(seeds) || usual == (end != nullptr)) << line;
         if (end != nullptr) {
-            ASSERT_EQ(end, ended.data() + line.size()) << line;
-            ASSERT_EQ(line.find_first_of("{}\""), std::string::npos) << line;
+            ASSERT_TRUE(*end == '\r' && line.find_first_of("{}\"") == std::string::npos) << line;
             Meshes.Items = {general};
             const char* failure = nullptr;
             ASSERT_TRUE(ReadBodyLine(line, BlockKind::Mesh, &failure)) << line;

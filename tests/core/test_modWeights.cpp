@@ -13,15 +13,13 @@ struct Weights : FreshFolder {
         Bones.Items.resize(boneCount);
         AddSkin("Hide", places, bones);
         SaveWeights(file, 1);
-        EXPECT_THAT(std::exchange(scripted::Messages, {}), ElementsAre(IsBox(BoxIcon::Information, "File saved.")));
+        EXPECT_TRUE(Told().starts_with("Information: File saved.\n"));
         return Content(file);
     }
     /// Loads a file of these bytes into the skin.
     void Loaded(const std::string& bytes, const std::deque<BoxAnswer>& answers, int mode) const
     {
         PutFile(file, bytes);
-        scripted::Messages.clear();
-        scripted::Questions.clear();
         scripted::Answers = answers;
         scripted::AssignModes = {mode};
         LoadWeights(file, 1);
@@ -41,29 +39,25 @@ TEST_F(Weights, WritesEachByteInItsPlace)
     SaveWeights(file, 1);
     const std::string bytes = Content(file);
     EXPECT_EQ(bytes.substr(12, 24) + bytes.substr(52), std::string("A name of more than 24 c\0\0", 26));
-    scripted::Messages.clear();
+    Told();
     SaveWeights(file, 2); // no such mesh
     SaveWeights(Folder / "none/a.wif", 1);
     Bones.Items.resize(32768);
     SaveWeights(file, 1);
-    const auto fails = [](const std::string& why) {
-        return IsBox(BoxIcon::Stop, "Runtime error in SaveWeights\n" + why);
-    };
-    EXPECT_THAT(scripted::Messages, ElementsAre(fails("No such file or directory"),
-                                                fails("The model has more bones than the file can tell.")));
+    EXPECT_EQ(Told(), "Stop: Runtime error in SaveWeights\nNo such file or directory\n"
+                      "Stop: Runtime error in SaveWeights\nThe model has more bones than the file can tell.\n");
     EXPECT_EQ(Content(file), bytes);
 }
 
 TEST_F(Weights, AsksEachQuestionInOrder)
 {
-    const std::string more = "\nWould you like to continue?";
+    const std::string more = "\nWould you like to continue?\n";
     const std::string questions[] = {
-        "File version is not compatible with this version of Beastwright.\r\nChoosing \"Yes\" may cause Beastwright to "
-        "become unstable.\r\n\r\nWould you like to try anyway?",
-        "Number of bones in the weight information file do not match loaded number of bones." + more,
-        "Name of current mesh does not match weight information file." + more,
-        "Number of vertices of current mesh does not match weight information file." + more};
-    const auto isQuestion = [&](size_t number) { return IsBox(BoxIcon::Warning, questions[number]); };
+        "Warning: File version is not compatible with this version of Beastwright.\r\nChoosing \"Yes\" may cause "
+        "Beastwright to become unstable.\r\n\r\nWould you like to try anyway?\n",
+        "Warning: Number of bones in the weight information file do not match loaded number of bones." + more,
+        "Warning: Name of current mesh does not match weight information file." + more,
+        "Warning: Number of vertices of current mesh does not match weight information file." + more};
     const std::string good = Saved({{1, 2, 3}}, {1}, 1);
     const struct {
         size_t At, Question;
@@ -74,41 +68,40 @@ TEST_F(Weights, AsksEachQuestionInOrder)
         for (const BoxAnswer answer : {BoxAnswer::Yes, BoxAnswer::No, BoxAnswer::Cancel}) {
             Meshes[1].VertexBones[1] = 0;
             Loaded(std::string(good).replace(row.At, 1, 1, row.Value), {answer}, 1);
-            EXPECT_THAT(scripted::Questions, ElementsAre(isQuestion(row.Question)));
+            EXPECT_EQ(Told(), questions[row.Question]);
             EXPECT_EQ(Meshes[1].VertexBones[1], answer == BoxAnswer::Yes ? 1 : 0);
         }
     }
     std::string all = good;
     all[4] = all[10] = all[12] = all[36] = 2;
     Loaded(all, std::deque<BoxAnswer>(4, BoxAnswer::Yes), 1);
-    EXPECT_THAT(scripted::Questions, ElementsAre(isQuestion(0), isQuestion(1), isQuestion(2), isQuestion(3)));
+    EXPECT_EQ(Told(), questions[0] + questions[1] + questions[2] + questions[3]);
     for (const int16_t mode : {int16_t{0}, int16_t{1}}) { // the dialog cancelled, then not
         scripted::Redraws = Meshes[1].VertexBones[1] = 0;
         Loaded(good, {}, mode);
-        EXPECT_TRUE(Meshes[1].VertexBones[1] == mode && scripted::Redraws == mode && scripted::Questions.empty());
+        EXPECT_TRUE(Meshes[1].VertexBones[1] == mode && scripted::Redraws == mode && Told().empty());
     }
 }
 
 TEST_F(Weights, RefusesForeignAndCutFilesAndRecords)
 {
     const std::string good = Saved({{1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {4, 0, 0}, {5, 0, 0}}, {0, 2, -1, 3, 1}, 2);
+    const std::string failed = "Stop: Runtime error in LoadWeights\n";
     LoadWeights(Folder.Path, 1);
-    EXPECT_THAT(scripted::Messages, ElementsAre(IsBox(BoxIcon::Stop, "Runtime error in LoadWeights\nIs a directory")));
-    const auto foreign = IsBox(BoxIcon::Warning, "File is not an weight information file.");
-    const auto cut = IsBox(BoxIcon::Stop, "Runtime error in LoadWeights\nThe file ends within its header.");
-    for (const std::string& bytes :
-         {std::string(), std::string("bWRT") + good.substr(4), good.substr(0, 4), good.substr(0, 39)}) {
+    EXPECT_EQ(Told(), failed + "Is a directory\n");
+    for (const std::string& bytes : {std::string(), "bWRT" + good.substr(4), good.substr(0, 4), good.substr(0, 39)}) {
         Loaded(bytes, {}, 1);
-        EXPECT_THAT(scripted::Messages, ElementsAre(bytes.starts_with("BWRT") ? cut : foreign));
+        EXPECT_EQ(Told(), bytes.starts_with("BWRT") ? failed + "The file ends within its header.\n"
+                                                    : "Warning: File is not an weight information file.\n");
     }
     for (const int mode : {1, 2}) {
         Meshes[1].VertexBones.Items = {1, 1, 1, 1, 2};
         Loaded(good.substr(0, 40), {}, mode);
-        EXPECT_THAT(LogOf([&] { Loaded(good.substr(0, good.size() - 1), {}, mode); }),
-                    ElementsAre("Cannot assign vertex 4 to bone 3, bone does not exist."));
+        Loaded(good.substr(0, good.size() - 1), {}, mode);
+        EXPECT_FALSE(LogDirty);
+        EXPECT_EQ(Told(), "Log: Cannot assign vertex 4 to bone 3, bone does not exist.\n");
         EXPECT_THAT(Meshes[1].VertexBones.Items, ElementsAre(0, 2, 1, 1, 2));
     }
-    EXPECT_TRUE(scripted::Messages.empty());
 }
 
 TEST_F(Weights, ByPositionTheLastRecordNearbyCounts)

@@ -60,6 +60,25 @@ inline int FailEachStep(const std::function<bool()>& act)
     }
 }
 
+/// All that was told since the last call: the messages, the questions and the log, each with a line feed behind it.
+inline std::string Told()
+{
+    constexpr const char* leads[] = {"Information: ", "Warning: ", "Stop: ", "Question: "};
+    std::string text;
+    for (const auto* boxes : {&scripted::Messages, &scripted::Questions}) {
+        for (const scripted::Box& box : *boxes) {
+            text += leads[static_cast<int>(box.Icon)] + box.Text + "\n";
+        }
+    }
+    for (const std::string& line : scripted::Log) {
+        text += "Log: " + line + "\n";
+    }
+    scripted::Messages.clear();
+    scripted::Questions.clear();
+    scripted::Log.clear();
+    return text;
+}
+
 /// Matches a message box by its icon and its text.
 inline testing::Matcher<scripted::Box> IsBox(BoxIcon icon, const testing::Matcher<const std::string&>& text)
 {
