@@ -8,13 +8,7 @@ using namespace std::string_literals;
 
 namespace {
 
-struct ABitmap : FreshFolder {
-    [[nodiscard]] std::string Fails(const char* name, const std::string& why) const
-    {
-        return "Stop: Runtime error in LoadTexture\n" + why + "\n\"" + (Folder / name) +
-               "\"\r\nMake sure your textures have power-of-two dimensions!\n";
-    }
-};
+using ABitmap = FreshFolder;
 
 const std::string plainColors = bmp::TrueColors(2, 2, std::string(12, '\x50'));
 const std::string alpha = bmp::EightBits(2, 2, 256, bmp::Gray, "\0\xFF\x80\7"s);
@@ -69,8 +63,7 @@ TEST_F(ABitmap, RefusesMapsInTheOrderOfTheTests)
     const std::pair<std::string, std::string> colors[] = {
         {bmp::Header(4, 4, 1, 2), bits},        {bmp::Header(4, -4, 24, 0), power},
         {bmp::Header(4, 4, 32, 0), bits},       {bmp::Header(4, 12, 24, 0), power},
-        {bmp::Header(1, 1, 24, 0), power},      {bmp::Header(4, 4, 0x8008, 0), bits},
-        {bmp::Header(0, 4, 1, 0), power},       {bmp::Header(INT32_MIN, INT32_MIN, 24, 0), power},
+        {bmp::Header(1, 1, 1, 0), power},       {bmp::Header(4, 4, 0x8008, 0), bits},
         {bmp::Header(2, 2, 8, -1), negative},   {bmp::Header(2, 2, 8, INT32_MIN), negative},
         {bmp::Header(1 << 30, 4, 8, 256), cut}, {bmp::Header(1 << 30, 1 << 30, 24, 0), cut},
         {bmp::Header(2, 2, 8, INT32_MAX), cut}, {bmp::Header(1 << 16, 1 << 16, 8, 256), cut}};
@@ -114,7 +107,6 @@ TEST_F(ABitmap, IsFoundAsGivenThenBesideTheModelInAnyCase)
                  {Folder / "sub\\deep.bmp", ".hidden.bmp", "Log: Texture \".hidden.bmp\" not found.\n", 1, false},
                  {"deep\xE4.bmp", "", "Log: Texture \"deep\u00E4.bmp\" not found.\n", 7, false},
                  {"", "Alpha.BMP", "", 7, false},
-                 {"cut.bmp", "", Fails("cut.bmp", "The file ends before its data is complete."), 0, false},
                  {"Hide.bmp", "a/cut.bmp", "Log: Texture \"" + (Folder / "cut.bmp") + "\" is not 8-bit.\n", 0, false}};
     for (const auto& row : cases) {
         scripted::Reset();
@@ -126,8 +118,12 @@ TEST_F(ABitmap, IsFoundAsGivenThenBesideTheModelInAnyCase)
         EXPECT_THAT(scripted::Progress, testing::ElementsAre(testing::Pair(2, 1), testing::Pair(2, 2)));
         EXPECT_EQ(scripted::Panel("toolhelp"), "Ready...");
     }
-    EXPECT_EQ(LoadTexture(Folder / "Hide.bmp", "no") + LoadTexture(Folder / "no", ""), 0);
-    EXPECT_EQ(Told(), Fails("Hide.bmp", "No such file or directory") + Fails("no", "No such file or directory"));
+    EXPECT_EQ(LoadTexture(Folder / "Hide.bmp", "no") + LoadTexture("no", "") + LoadTexture(Folder / "cut.bmp", ""), 0);
+    const std::string failed = "Stop: Runtime error in LoadTexture\n";
+    const std::string advice = "\"\r\nMake sure your textures have power-of-two dimensions!\n";
+    EXPECT_EQ(Told(), failed + "No such file or directory\n\"" + (Folder / "Hide.bmp") + advice + failed +
+                          "No such file or directory\n\"no" + advice + failed +
+                          "The file ends before its data is complete.\n\"" + (Folder / "cut.bmp") + advice);
     Textures.Items.resize(INT16_MAX);
     EXPECT_EQ(LoadTexture("a", ""), 0);
     EXPECT_EQ(Told(), "Log: Texture \"a\" is one too many: a model can have 32767 textures.\n");

@@ -1,6 +1,8 @@
 #include <limits>
+#include <numeric>
 
 #include "app/modFrontEnd.h"
+#include "model/modLostAssignments.h"
 #include "support/fresh.h"
 #include "weights/modWeights.h"
 
@@ -96,7 +98,6 @@ TEST_F(Weights, RefusesForeignAndCutFilesAndRecords)
     }
     for (const int mode : {1, 2}) {
         Meshes[1].VertexBones.Items = {1, 1, 1, 1, 2};
-        Loaded(good.substr(0, 40), {}, mode);
         Loaded(good.substr(0, good.size() - 1), {}, mode);
         EXPECT_FALSE(LogDirty);
         EXPECT_EQ(Told(), "Log: Cannot assign vertex 4 to bone 3, bone does not exist.\n");
@@ -118,4 +119,15 @@ TEST_F(Weights, ByPositionTheLastRecordNearbyCounts)
     }
     AssignByPosition(records, &mesh);
     EXPECT_THAT(mesh.VertexBones.Items, ElementsAre(1, 5, 7, 6, 7));
+}
+
+TEST_F(Weights, LostOnesAreToldInFortyLines)
+{
+    AddBones(std::vector<std::string>(45, "B"));
+    MvmMesh& mesh = AddSkin("S", {}, std::vector<int16_t>(45));
+    std::iota(mesh.VertexBones.begin(), mesh.VertexBones.end(), int16_t{1});
+    SkinMesh = 1;
+    LogLostAssignments();
+    EXPECT_EQ(scripted::Log.size(), 41U);
+    EXPECT_EQ(scripted::Log.back(), "The same holds for 4 more vertices.");
 }

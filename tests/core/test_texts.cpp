@@ -5,11 +5,13 @@
 #include <random>
 #include <vector>
 
-#include <gtest/gtest.h>
-
+#include "app/modMisc.h"
 #include "dialogs/modOptions.h"
 #include "model/modNumbers.h"
+#include "model/modStrings.h"
+#include "support/fresh.h"
 
+using Texts = FreshFolder;
 constexpr float infinite = std::numeric_limits<float>::infinity();
 
 /// Infinite for a text that is refused.
@@ -19,7 +21,7 @@ static double Leading(std::string_view text)
     return LeadingNumber(text, &number) ? number : number + infinite;
 }
 
-TEST(Numbers, AreReadAtTheStartOfATextWithoutItsBlanks)
+TEST_F(Texts, OfNumbersAreReadAtTheStartOfATextWithoutItsBlanks)
 {
     const std::pair<double, std::vector<std::string_view>> cases[] = {
         {0, {"", ".", "-", "-.", "+-3", "--3", "e9", "x1", "inf", "0x10", "\"1\"", "0E999999999", "1E-400"}},
@@ -42,7 +44,7 @@ TEST(Numbers, AreReadAtTheStartOfATextWithoutItsBlanks)
     EXPECT_EQ(Leading("1.00000000000000011102230246251565404236316680908203125" + zeros + "1"), 1.0000000000000002);
 }
 
-TEST(Numbers, AreHeldToTheirRange)
+TEST_F(Texts, OfNumbersAreHeldToTheirRange)
 {
     int32_t whole = 0;
     EXPECT_TRUE(RoundToInt32(-2147483648.5, &whole) && whole == INT32_MIN && !RoundToInt32(2147483647.5, &whole));
@@ -61,7 +63,7 @@ TEST(Numbers, AreHeldToTheirRange)
     }
 }
 
-TEST(Numbers, AreWrittenWithSevenDigits)
+TEST_F(Texts, OfNumbersAreWrittenWithSevenDigits)
 {
     const std::pair<float, const char*> cases[] = {
         {0, "0"},       {-1.25F, "-1.25"},   {9999999, "9999999"},    {1e-45F, "1.401298E-45"},
@@ -81,4 +83,30 @@ TEST(Numbers, AreWrittenWithSevenDigits)
         std::replace(text.begin(), text.end(), 'e', 'E');
         ASSERT_EQ(FloatToText(value), text.data());
     }
+}
+
+TEST_F(Texts, AreSplitComparedAndStripped)
+{
+    const std::array<std::string_view, 4> paths[] = {{"a.bmp", "", "a.bmp", "bmp"},
+                                                     {"C:\\x\\a.b.mvm", "C:\\x\\", "a.b.mvm", "mvm"},
+                                                     {"/x\\y/a", "/x\\y/", "a", "/x\\y/a"},
+                                                     {"x/y\\end.", "x/y\\", "end.", ""}};
+    for (const auto& [path, folder, name, extension] : paths) {
+        EXPECT_EQ(DirectoryOf(path), folder);
+        EXPECT_EQ(FileNameOf(path), name);
+        EXPECT_EQ(ExtensionOf(path), extension);
+    }
+    EXPECT_EQ(TextBeforeNull({"ab\0cd", 5}), "ab");
+    EXPECT_EQ(LowerCase("AZaz[@\xC4"), "azaz[@\xC4");
+    EXPECT_TRUE(EqualsAnyCase("MeSh", "mesh") && !EqualsAnyCase("mesh2", "mesh") && !EqualsAnyCase("mes", "mesh"));
+    EXPECT_EQ(StripWhitespace(" a\tb \n\"b \tc\" d \"e f"), "ab\n\"b \tc\"d\"e f");
+}
+
+TEST_F(Texts, NameFilesThatArePlainAndNotHidden)
+{
+    PutFile(Folder / "a", "");
+    PutFile(Folder / ".a", "");
+    EXPECT_TRUE(FileExists(Folder / "a") && !FileExists(Folder / ".a") && !FileExists(Folder / "b"));
+    EXPECT_FALSE(FileExists("") || FileExists(Folder / ".") || FileExists("/dev/null") ||
+                 FileExists((Folder / "a") + '\0'));
 }
