@@ -98,23 +98,21 @@ TEST_F(ABitmap, IsFoundAsGivenThenBesideTheModelInAnyCase)
     }
     PutFile(Folder / "cut.bmp", plainColors.substr(0, 60));
     PutFile(Folder / "Alpha.BMP", alpha);
-    const struct {
-        std::string Color, Opacity, Log;
-        int Texture; // 0 for one that cannot be used, 7 where none is looked for
-        bool HasOpacity;
-    } cases[] = {{"Hide.bmp", "", "", 1, false},
-                 {"C:\\maps\\hide.BMP", "x/ALPHA.bmp", "", 1, true},
-                 {Folder / "sub\\deep.bmp", ".hidden.bmp", "Log: Texture \".hidden.bmp\" not found.\n", 1, false},
-                 {"deep\xE4.bmp", "", "Log: Texture \"deep\u00E4.bmp\" not found.\n", 7, false},
-                 {"", "Alpha.BMP", "", 7, false},
-                 {"Hide.bmp", "a/cut.bmp", "Log: Texture \"" + (Folder / "cut.bmp") + "\" is not 8-bit.\n", 0, false}};
-    for (const auto& row : cases) {
+    // The maps, what is told, the texture (0 for one that cannot be used, 7 where none is looked for) and its opacity.
+    const std::tuple<std::string, std::string, std::string, int, bool> cases[] = {
+        {"Hide.bmp", "", "", 1, false},
+        {"C:\\maps\\hide.BMP", "x/ALPHA.bmp", "", 1, true},
+        {Folder / "sub\\deep.bmp", ".hidden.bmp", "Log: Texture \".hidden.bmp\" not found.\n", 1, false},
+        {"deep\xE4.bmp", "", "Log: Texture \"deep\u00E4.bmp\" not found.\n", 7, false},
+        {"", "Alpha.BMP", "", 7, false},
+        {"Hide.bmp", "a/cut.bmp", "Log: Texture \"" + (Folder / "cut.bmp") + "\" is not 8-bit.\n", 0, false}};
+    for (const auto& [color, opacity, log, texture, hasOpacity] : cases) {
         scripted::Reset();
-        Materials.Items = {{}, {"M", row.Color, row.Opacity, "", 7}};
+        Materials.Items = {{}, {"M", color, opacity, "", 7}};
         LoadTextures(Folder / "a.mvm");
-        EXPECT_EQ(Told(), row.Log);
-        EXPECT_EQ(Materials[2].Texture, row.Texture) << row.Color;
-        EXPECT_EQ(TextureCount() == 1 && Textures[1].HasOpacity, row.HasOpacity) << row.Color;
+        EXPECT_EQ(Told(), log);
+        EXPECT_EQ(Materials[2].Texture, texture) << color;
+        EXPECT_EQ(TextureCount() == 1 && Textures[1].HasOpacity, hasOpacity) << color;
         EXPECT_THAT(scripted::Progress, testing::ElementsAre(testing::Pair(2, 1), testing::Pair(2, 2)));
         EXPECT_EQ(scripted::Panel("toolhelp"), "Ready...");
     }

@@ -48,8 +48,7 @@ TEST_F(ReadModel, TellsOfWhatIsNoModel)
     const std::string lf = " Its lines end in LF alone; those of a model file end in CR LF.";
     const std::string none = "Log: \"" + Path + "\" holds no material, bone, mesh or instance.";
     const std::string empty = " A save would replace it by an empty model.\n";
-    EXPECT_TRUE(LoadAnew("bone A\rodd\ntext\r"));
-    EXPECT_EQ(Told(), "");
+    EXPECT_TRUE(LoadAnew("bone A\rodd\ntext\r") && Told().empty());
     EXPECT_TRUE(LoadAnew("a note\r"));
     EXPECT_EQ(Told(), none + " It is no model file." + empty);
     EXPECT_TRUE(LoadAnew("a note\nof two lines\n"));
@@ -137,21 +136,19 @@ TEST_F(ReadModel, StepsThroughTheFileUntilStopped)
 
 TEST_F(ReadModel, BindsToTheLastBoneOfItsKindWithTheNumber)
 {
-    const struct {
-        std::vector<std::string> BoneNames;
-        std::vector<std::pair<const char*, int>> Bound; // what stands behind a vertex, and its bone
-    } cases[] = {
+    // Names of bones, then what stands behind a vertex and its bone.
+    const std::pair<std::vector<std::string>, std::vector<std::pair<const char*, int>>> cases[] = {
         {{}, {{",0", 0}}},
         {{"Toe9", "A01", "B107"}, {{"", 1}, {",0", 1}, {",9", 0}, {",1", 2}, {",7,8", 1}, {",107", 0}}},
         {{"A00", "Root", "x-1", "x-9"}, {{"", 2}, {",-1", 3}, {",-9", 4}, {",-10", 0}, {",-32768", 0}}},
         {{"A07", "x7.", "C17", "$j$07", "x.5"}, {{",7", 2}, {",6.5", 0}, {",7.5", 0}, {",0.5", 0}, {",17", 3}}},
         {{"A08", "B99"}, {{",7.5", 1}, {",99", 2}, {",100", 0}, {",32767", 0}, {",-1", 0}}}};
-    for (const auto& row : cases) {
-        for (const auto& [joint, bone] : row.Bound) {
+    for (const auto& [names, bound] : cases) {
+        for (const auto& [joint, bone] : bound) {
             scripted::Reset();
-            AddBones(row.BoneNames);
+            AddBones(names);
             ASSERT_TRUE(Load("skin \"S\" {\r\n v = (1,2,3)"s + joint + "\r\n}\r\n"));
-            EXPECT_EQ(Meshes[1].VertexBones[1], bone) << joint << testing::PrintToString(row.BoneNames);
+            EXPECT_EQ(Meshes[1].VertexBones[1], bone) << joint << testing::PrintToString(names);
         }
     }
     // A mesh with both roles takes the later bone of both kinds.

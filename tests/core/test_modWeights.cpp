@@ -61,16 +61,13 @@ TEST_F(Weights, AsksEachQuestionInOrder)
         "Warning: Name of current mesh does not match weight information file." + more,
         "Warning: Number of vertices of current mesh does not match weight information file." + more};
     const std::string good = Saved({{1, 2, 3}}, {1}, 1);
-    const struct {
-        size_t At, Question;
-        char Value;
-    } cases[] = {{4, 0, 9},    {6, 0, 9},    {8, 0, 9},  {10, 1, 2}, {12, 2, 'X'},
-                 {16, 2, 'X'}, {12, 2, ' '}, {36, 3, 2}, {39, 3, 1}};
-    for (const auto& row : cases) {
+    const std::tuple<size_t, size_t, char> cases[] = {{4, 0, 9},    {6, 0, 9},    {8, 0, 9},  {10, 1, 2}, {12, 2, 'X'},
+                                                      {16, 2, 'X'}, {12, 2, ' '}, {36, 3, 2}, {39, 3, 1}};
+    for (const auto& [at, question, value] : cases) {
         for (const BoxAnswer answer : {BoxAnswer::Yes, BoxAnswer::No, BoxAnswer::Cancel}) {
             Meshes[1].VertexBones[1] = 0;
-            Loaded(std::string(good).replace(row.At, 1, 1, row.Value), {answer}, 1);
-            EXPECT_EQ(Told(), questions[row.Question]);
+            Loaded(std::string(good).replace(at, 1, 1, value), {answer}, 1);
+            EXPECT_EQ(Told(), questions[question]);
             EXPECT_EQ(Meshes[1].VertexBones[1], answer == BoxAnswer::Yes ? 1 : 0);
         }
     }
