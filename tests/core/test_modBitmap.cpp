@@ -1,4 +1,3 @@
-#include "app/modMvmDef.h"
 #include "model/modBitmap.h"
 #include "model/modTexture.h"
 #include "support/bmp.h"

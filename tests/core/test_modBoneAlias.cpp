@@ -1,4 +1,3 @@
-#include "app/modFrontEnd.h"
 #include "model/modNumbers.h"
 #include "support/fresh.h"
 #include "weights/modBoneAlias.h"

@@ -1,4 +1,4 @@
-#include <limits>
+#include <cmath>
 
 #include "app/modFrontEnd.h"
 #include "dialogs/modReports.h"
@@ -39,7 +39,7 @@ TEST_F(Edit, SkinTakesOffsetAndScaleFromTheFirstInstance)
     EXPECT_EQ(Told(), lone + lone);
     EXPECT_TRUE(SkinMesh == 2 && SkinScale == 0.25F);
     SelectSkinMesh(3);
-    EXPECT_EQ(SkinScale, std::numeric_limits<float>::infinity());
+    EXPECT_EQ(SkinScale, INFINITY);
     SelectSkinMesh(0);
     EXPECT_TRUE(SkinScale == 1 && SkinOffset.X == 0);
     SelectShadowMesh(99);
@@ -51,8 +51,8 @@ TEST_F(Edit, RenameFollowsTheInstances)
     RenameMesh(1, "New\u00E9\r\nmore");
     RenameMesh(1, "\nName");
     RenameMesh(0, "None");
-    EXPECT_EQ(Meshes[1].Name + Instances[1].Name + Instances[2].Mesh + Instances[3].Name, "New\xE9New\xE9New\xE9Third");
-    EXPECT_EQ(Told(), "");
+    EXPECT_EQ(Meshes[1].Name + Instances[1].Name + Instances[2].Mesh + Instances[3].Name + Told(),
+              "New\xE9New\xE9New\xE9Third");
     for (const std::string lost : {"a b", "a=b", "a\"b", "{a", "\u00E4}"}) {
         EXPECT_THAT(LogOf([&] { RenameMesh(1, lost); }),
                     ElementsAre("A model file cannot keep the name \"" + lost +
@@ -142,13 +142,11 @@ TEST_F(Fresh, ReportsSayWhatTheSceneHolds)
               "|Meshes (0):||Meshes (0):||Materials (0):||Materials (0):||Texture Filenames:||Instances (0):||"
               "Instances (0):||Bones (0):||Bones (0):|");
     scripted::DecimalMark = ",";
-    Meshes.Items.resize(2, {.Name = "body"});
-    Meshes[1].Vertices.Items.resize(3);
-    Meshes[1].TexCoords.Items.resize(4);
-    Meshes[1].Normals.Items.resize(5);
-    Meshes[1].Faces.Items.resize(6);
-    Meshes[1].MeshMaterials.Items.resize(2);
-    Meshes[2].Name = "R\xFC";
+    MvmMesh& mesh = Meshes.Add({.Name = "body", .MeshMaterials = {{{}, {}}}, .Vertices = {{{}, {}, {}}}});
+    mesh.Normals.Items.resize(5);
+    mesh.TexCoords.Items.resize(4);
+    mesh.Faces.Items.resize(6);
+    Meshes.Add().Name = "R\xFC";
     Materials.Items = {{"fur", "maps\\fur.bmp", "hole.bmp", "\xFC.bmp", 0}, {"bare", "", "", "", 0}};
     Instances.Add({"inst", "body", {1, 3, -2}, {0.5F, 0, -0.25F}, 1.1F});
     Bones.Add({"Spine01", {1.0F / 3, 1e-7F, 7}, {0, 0, 1}, 2.5F, "", "Back"});

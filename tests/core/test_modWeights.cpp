@@ -1,4 +1,4 @@
-#include <limits>
+#include <cmath>
 #include <numeric>
 
 #include "app/modFrontEnd.h"
@@ -105,11 +105,11 @@ TEST_F(Weights, RefusesForeignAndCutFilesAndRecords)
 TEST_F(Weights, ByPositionTheLastRecordNearbyCounts)
 {
     Bones.Items.resize(9);
-    const float inf = std::numeric_limits<float>::infinity();
-    MvmMesh mesh = {.Vertices = {{{0, 0, 0}, {0.0019F, -0.0019F, 0.0019F}, {5, 0.0021F, 5}, {4, 0, 0}, {inf, 0, 0}}},
-                    .VertexBones = {{7, 7, 7, 7, 7}}};
-    const Vec3 places[] = {{0, 0, 0},      {5, 0, 5},  {4.001F, 0, 0}, {4.003F, 0, 0}, {0, -0.0038F, 0.0019F},
-                           {4, 0, 0.001F}, {inf, 0, 0}};
+    MvmMesh mesh = {
+        .Vertices = {{{0, 0, 0}, {0.0019F, -0.0019F, 0.0019F}, {5, 0.0021F, 5}, {4, 0, 0}, {INFINITY, 0, 0}}},
+        .VertexBones = {{7, 7, 7, 7, 7}}};
+    const Vec3 places[] = {{0, 0, 0},      {5, 0, 5},       {4.001F, 0, 0}, {4.003F, 0, 0}, {0, -0.0038F, 0.0019F},
+                           {4, 0, 0.001F}, {INFINITY, 0, 0}};
     std::vector<WeightsVertex> records;
     for (const Vec3& place : places) {
         records.push_back({place, static_cast<int16_t>(records.size() + 1)});

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <limits>
 #include <random>
-#include <vector>
 
 #include "app/modMisc.h"
 #include "dialogs/modOptions.h"
@@ -87,8 +86,7 @@ TEST_F(Texts, OfNumbersAreWrittenWithSevenDigits)
 
 TEST_F(Texts, AreSplitComparedAndStripped)
 {
-    const std::array<std::string_view, 4> paths[] = {{"a.bmp", "", "a.bmp", "bmp"},
-                                                     {"C:\\x\\a.b.mvm", "C:\\x\\", "a.b.mvm", "mvm"},
+    const std::array<std::string_view, 4> paths[] = {{"C:\\x\\a.b.mvm", "C:\\x\\", "a.b.mvm", "mvm"},
                                                      {"/x\\y/a", "/x\\y/", "a", "/x\\y/a"},
                                                      {"x/y\\end.", "x/y\\", "end.", ""}};
     for (const auto& [path, folder, name, extension] : paths) {

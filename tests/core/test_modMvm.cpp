@@ -1,5 +1,7 @@
 #include <cerrno>
+#include <clocale>
 #include <random>
+#include <sstream>
 
 #include "app/modFrontEnd.h"
 #include "model/modMvmBind.h"
@@ -10,9 +12,8 @@
 using testing::ElementsAre;
 using testing::Pair;
 using namespace std::string_literals;
-using ReadModel = ModelFile;
 
-TEST_F(ReadModel, SplitsHeadersAtSingleBlanksAndLinesAtCrOnly)
+TEST_F(ModelFile, SplitsHeadersAtSingleBlanksAndLinesAtCrOnly)
 {
     const auto check = [this](const std::string& header, const std::string& names) {
         ASSERT_TRUE(LoadAnew(header));
@@ -43,7 +44,7 @@ TEST_F(ReadModel, SplitsHeadersAtSingleBlanksAndLinesAtCrOnly)
     EXPECT_EQ(FormatVersion, "\"1 .0\".2");
 }
 
-TEST_F(ReadModel, TellsOfWhatIsNoModel)
+TEST_F(ModelFile, TellsOfWhatIsNoModel)
 {
     const std::string lf = " Its lines end in LF alone; those of a model file end in CR LF.";
     const std::string none = "Log: \"" + Path + "\" holds no material, bone, mesh or instance.";
@@ -58,7 +59,7 @@ TEST_F(ReadModel, TellsOfWhatIsNoModel)
               "Log: \"" + Path + "\" was read as a single line." + lf + " A save would leave nothing of the rest.\n");
 }
 
-TEST_F(ReadModel, StopsAtAFailureAndKeepsWhatWasRead)
+TEST_F(ModelFile, StopsAtAFailureAndKeepsWhatWasRead)
 {
     const std::string isShort = "A value is too short for coordinates.";
     const std::string isLarge = "A number is too large.";
@@ -87,7 +88,7 @@ TEST_F(ReadModel, StopsAtAFailureAndKeepsWhatWasRead)
     }
 }
 
-TEST_F(ReadModel, ReadsLinesThatLieAcrossThePiecesOfAFile)
+TEST_F(ModelFile, ReadsLinesThatLieAcrossThePiecesOfAFile)
 {
     // Lines of all lengths with both line ends, so that every place of a line falls on the end of a piece.
     std::string text = "skin \"S\" {\r\n";
@@ -113,7 +114,7 @@ TEST_F(ReadModel, ReadsLinesThatLieAcrossThePiecesOfAFile)
     EXPECT_EQ(Told(), failed + "Input/output error\n" + failed + "No such file or directory\n");
 }
 
-TEST_F(ReadModel, StepsThroughTheFileUntilStopped)
+TEST_F(ModelFile, StepsThroughTheFileUntilStopped)
 {
     const std::string line = "bone which means nothing today\r\n"; // 32 bytes
     ASSERT_TRUE(Load(line + line + line + line + line + line + line + line));
@@ -134,7 +135,7 @@ TEST_F(ReadModel, StepsThroughTheFileUntilStopped)
     EXPECT_EQ(std::to_string(BoneCount()) + Told(), "1");
 }
 
-TEST_F(ReadModel, BindsToTheLastBoneOfItsKindWithTheNumber)
+TEST_F(ModelFile, BindsToTheLastBoneOfItsKindWithTheNumber)
 {
     // Names of bones, then what stands behind a vertex and its bone.
     const std::pair<std::vector<std::string>, std::vector<std::pair<const char*, int>>> cases[] = {
@@ -159,7 +160,7 @@ TEST_F(ReadModel, BindsToTheLastBoneOfItsKindWithTheNumber)
     EXPECT_THAT(Meshes[1].VertexBones.Items, ElementsAre(2, 4));
 }
 
-TEST_F(ReadModel, WorksOutRolesAndMaterialsFromNames)
+TEST_F(ModelFile, WorksOutRolesAndMaterialsFromNames)
 {
     AddBones({"A01", "$J$B01"});
     ASSERT_TRUE(Load(Lines("mesh head|skin S1 {|v = (0,0,0),1|}|skin S$h {|v = (0,0,0),1|}|mesh my$HEADbody|mesh $Tail|"
@@ -179,6 +180,61 @@ TEST_F(ReadModel, WorksOutRolesAndMaterialsFromNames)
     EXPECT_THAT(Meshes[32767].VertexBones.Items, ElementsAre(32767, 0));
 }
 
+// Each case of the file: its name, a model, what is written of it behind the file info, and what is told of it.
+TEST_F(ModelFile, WritesAndTellsWhatTheCasesSay)
+{
+    std::istringstream cases(Content(SOURCE_FOLDER "/tests/core/models.txt") + "===\n");
+    std::string parts[4];
+    size_t part = 0;
+    for (std::string line; std::getline(cases, line);) {
+        if (!line.starts_with("===")) {
+            part += line == "---" ? 1 : 0;
+            parts[part] += line == "---" ? "" : line + (part < 3 ? "\r\n" : "\n");
+            continue;
+        }
+        SCOPED_TRACE(parts[0]);
+        const std::string written = Lines(FileInfoText) + parts[2];
+        for (const std::string& source : {parts[1], written}) { // it settles
+            ASSERT_TRUE(LoadAnew(source));
+            EXPECT_TRUE(WriteMVM(Path));
+            EXPECT_EQ(Content(Path), written);
+            EXPECT_EQ(Told(), parts[3]);
+        }
+        std::fill(parts, parts + 4, "");
+        parts[0] = line;
+        part = 1;
+    }
+}
+
+TEST_F(ModelFile, TurnsTheAxesAndWritesJointsFromAssignmentsOnly)
+{
+    const std::string bone = BoneText("a07", "(0.5,-1.25,3)", "(0,0,0)", std::string(300'000, 'x') + "||");
+    ASSERT_TRUE(Load(Lines(FileInfoText + bone)));
+    EXPECT_TRUE(Bones[1].Position.Y == 3 && Bones[1].Position.Z == 1.25F);
+    EXPECT_TRUE(ModelText() == Lines(FileInfoText + bone));
+    AddBones({"b-1", "c.5", "d"});
+    AddSkin("S", std::vector<Vec3>(5), {1, 2, 3, 4}).VertexJoints.Items = {3, 3, 3, 3}; // one more vertex
+    AddSkin("S", std::vector<Vec3>(2), {5, -1});
+    SkinMesh = 2;
+    ShadowMesh = 1;
+    EXPECT_THAT(ModelText(),
+                testing::EndsWith(Lines("skin \"S\"|{| v = (0,0,0),7| v = (0,0,0),-1| v = (0,0,0),0.5| v = (0,0,0),0|"
+                                        " v = (0,0,0),-1|}||skin \"S\"|{| v = (0,0,0),-1| v = (0,0,0),-1|}||")));
+}
+
+TEST_F(ModelFile, DoesNotDependOnTheLocale)
+{
+    // A locale with a decimal comma made on the spot, since machines differ in those that they have.
+    PutFile(Folder / "source", "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\ngrouping 3;3\nEND LC_NUMERIC\n");
+    const std::string make = "localedef -c -i " + (Folder / "source") + " " + (Folder / "comma") + " >/dev/null 2>&1";
+    (void)!std::system(make.c_str()); // it tells of all that the source does not name
+    setenv("LOCPATH", Folder.Path.c_str(), 1);
+    ASSERT_NE(std::setlocale(LC_NUMERIC, "comma"), nullptr);
+    ASSERT_TRUE(Load("bone B\r{\rposition=(0.5,1234.5,2,5)\r}"));
+    EXPECT_THAT(ModelText(), testing::HasSubstr("(0.5,1234.5,2)"));
+    std::setlocale(LC_ALL, "C");
+}
+
 template <typename T>
 static std::string BytesOf(const Array1<T>& array)
 {
@@ -193,7 +249,7 @@ static std::string BytesOf(const MvmMesh& mesh)
 }
 
 // A line that the short way takes reads as under the general rules; one that it does not take changes nothing.
-TEST_F(ReadModel, TakesUsualLinesLikeTheGeneralRules)
+TEST_F(ModelFile, TakesUsualLinesLikeTheGeneralRules)
 {
     std::mt19937 random(3);
     const std::string_view odd = "0123456789.,()-+eEdD \t\n=vntfm{}\"x";
