@@ -40,7 +40,7 @@ TEST_F(ModelFile, SplitsHeadersAtSingleBlanksAndLinesAtCrOnly)
     // LF is a blank of numbers only.
     EXPECT_TRUE(Bones[1].Position.X == 12 && Bones[1].Position.Z == -3);
     EXPECT_EQ(Bones[1].ExtraText, "position\n=(0,0,0)\0\x1A\r\n"s);
-    ASSERT_TRUE(Load(Lines("fileinfo and more|{| FormatVersion = \"1 .0\" . 2 = 5|author = 3|}|")));
+    ASSERT_TRUE(Load(CrLf("fileinfo and more|{| FormatVersion = \"1 .0\" . 2 = 5|author = 3|}|")));
     EXPECT_EQ(FormatVersion, "\"1 .0\".2");
 }
 
@@ -73,8 +73,7 @@ TEST_F(ModelFile, StopsAtAFailureAndKeepsWhatWasRead)
         {isLarge, 2, 1, {"f = 1,2,3,4,5,6,7,8,9,1E400"}}};
     for (const auto& [why, faces, vertices, lines] : cases) {
         for (const std::string& line : lines) {
-            EXPECT_FALSE(
-                LoadAnew(Lines("bone $j$07|skin S|{|v = (1,2,3),7|f = 1,2,3|" + line + "|m = x|}|bone late|")));
+            EXPECT_FALSE(LoadAnew(CrLf("bone $j$07|skin S|{|v = (1,2,3),7|f = 1,2,3|" + line + "|m = x|}|bone late|")));
             const std::string place = line[0] == '}' ? "Line 8: " : "Line 6: ";
             EXPECT_EQ(Told(), "Stop: Runtime error in LoadMVM\n" + place + why + "\n") << line;
             const MvmMesh& mesh = Meshes[1];
@@ -163,9 +162,9 @@ TEST_F(ModelFile, BindsToTheLastBoneOfItsKindWithTheNumber)
 TEST_F(ModelFile, WorksOutRolesAndMaterialsFromNames)
 {
     AddBones({"A01", "$J$B01"});
-    ASSERT_TRUE(Load(Lines("mesh head|skin S1 {|v = (0,0,0),1|}|skin S$h {|v = (0,0,0),1|}|mesh my$HEADbody|mesh $Tail|"
-                           "mesh $tail2|skin S2 {|v=(0,0,0),1|m = A|m = \"B\"|m = a|}|mesh $|"
-                           "material \"A\"|material B|material \"A\"|")));
+    ASSERT_TRUE(Load(CrLf("mesh head|skin S1 {|v = (0,0,0),1|}|skin S$h {|v = (0,0,0),1|}|mesh my$HEADbody|mesh $Tail|"
+                          "mesh $tail2|skin S2 {|v=(0,0,0),1|m = A|m = \"B\"|m = a|}|mesh $|"
+                          "material \"A\"|material B|material \"A\"|")));
     EXPECT_THAT((std::array{SkinMesh, ShadowMesh, HeadMesh, BodyMesh, TailMesh}), ElementsAre(7, 3, 4, 4, 6));
     // The first was bound while it held the role.
     EXPECT_TRUE(Meshes[2].VertexBones[1] == 1 && Meshes[3].VertexBones[1] == 2 && Meshes[7].VertexBones[1] == 1);
@@ -193,7 +192,7 @@ TEST_F(ModelFile, WritesAndTellsWhatTheCasesSay)
             continue;
         }
         SCOPED_TRACE(parts[0]);
-        const std::string written = Lines(FileInfoText) + parts[2];
+        const std::string written = CrLf(FileInfoText) + parts[2];
         for (const std::string& source : {parts[1], written}) { // it settles
             ASSERT_TRUE(LoadAnew(source));
             EXPECT_TRUE(WriteMVM(Path));
@@ -209,17 +208,17 @@ TEST_F(ModelFile, WritesAndTellsWhatTheCasesSay)
 TEST_F(ModelFile, TurnsTheAxesAndWritesJointsFromAssignmentsOnly)
 {
     const std::string bone = BoneText("a07", "(0.5,-1.25,3)", "(0,0,0)", std::string(300'000, 'x') + "||");
-    ASSERT_TRUE(Load(Lines(FileInfoText + bone)));
+    ASSERT_TRUE(Load(CrLf(FileInfoText + bone)));
     EXPECT_TRUE(Bones[1].Position.Y == 3 && Bones[1].Position.Z == 1.25F);
-    EXPECT_TRUE(ModelText() == Lines(FileInfoText + bone));
+    EXPECT_TRUE(ModelText() == CrLf(FileInfoText + bone));
     AddBones({"b-1", "c.5", "d"});
     AddSkin("S", std::vector<Vec3>(5), {1, 2, 3, 4}).VertexJoints.Items = {3, 3, 3, 3}; // one more vertex
     AddSkin("S", std::vector<Vec3>(2), {5, -1});
     SkinMesh = 2;
     ShadowMesh = 1;
     EXPECT_THAT(ModelText(),
-                testing::EndsWith(Lines("skin \"S\"|{| v = (0,0,0),7| v = (0,0,0),-1| v = (0,0,0),0.5| v = (0,0,0),0|"
-                                        " v = (0,0,0),-1|}||skin \"S\"|{| v = (0,0,0),-1| v = (0,0,0),-1|}||")));
+                testing::EndsWith(CrLf("skin \"S\"|{| v = (0,0,0),7| v = (0,0,0),-1| v = (0,0,0),0.5| v = (0,0,0),0|"
+                                       " v = (0,0,0),-1|}||skin \"S\"|{| v = (0,0,0),-1| v = (0,0,0),-1|}||")));
 }
 
 TEST_F(ModelFile, DoesNotDependOnTheLocale)

@@ -18,7 +18,7 @@ inline std::string ModelText()
 }
 
 /// The text with CR LF in the place of each '|'.
-inline std::string Lines(std::string text)
+inline std::string CrLf(std::string text)
 {
     for (size_t at = 0; (at = text.find('|', at)) != std::string::npos; at += 2) {
         text.replace(at, 1, "\r\n");
