@@ -109,12 +109,13 @@ TEST_F(Edit, ClearForgetsTheContentAndLeavesTheDocument)
 {
     AddBones({"A"});
     Materials.Add();
-    Textures.Add();
+    Textures.Items = {{.GLTexture = 7}, {}};
     FormatVersion = CurrentFile = "a";
     SkinMesh = ShadowMesh = HeadMesh = BodyMesh = TailMesh = ActiveBone = 1;
     ModelOpen = true;
     ClearModel();
     EXPECT_EQ(MeshCount() + BoneCount() + MaterialCount() + InstanceCount() + TextureCount(), 0);
+    EXPECT_THAT(scripted::DeletedTextures, ElementsAre(7));
     EXPECT_EQ(SkinMesh * ShadowMesh * HeadMesh * BodyMesh * TailMesh * ActiveBone, 1);
     EXPECT_TRUE(ModelOpen && FormatVersion + CurrentFile == "a");
     ForgetModel();

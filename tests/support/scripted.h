@@ -26,6 +26,7 @@ inline std::vector<std::pair<std::string, std::string>> Panels; ///< key and tex
 inline std::vector<std::pair<int, int>> Progress;               ///< (maximum, value) of each step
 inline int LogShown = 0;
 inline int Redraws = 0;
+inline std::vector<uint32_t> DeletedTextures; ///< names given to DeleteGLTexture, where there is no OpenGL
 inline std::vector<BoneRow> BoneRows[2];
 inline int32_t SelectedRow[2] = {-1, -1}; ///< number of the selected row, -1 for none
 inline std::string Folder;                ///< what ProgramFolder gives

@@ -1,4 +1,4 @@
-#include "app/modFrontEnd.h"
+#include "support/scripted.h"
 
 // Pictures where there is no OpenGL.
 
@@ -8,4 +8,7 @@ bool MakeGLTexture(const Bitmap&, uint32_t* name, std::string*)
     return true;
 }
 
-void DeleteGLTexture(uint32_t) {}
+void DeleteGLTexture(uint32_t name)
+{
+    scripted::DeletedTextures.push_back(name);
+}
