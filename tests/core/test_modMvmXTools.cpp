@@ -1,192 +1,175 @@
-#include <bit>
+#include <cmath>
+#include <random>
 
-#include "app/modFrontEnd.h"
 #include "app/modMath.h"
-#include "core/shapes.h"
 #include "support/fresh.h"
+#include "weights/modBoneAlias.h"
+#include "weights/modMirror.h"
 #include "weights/modMvmXTools.h"
+
+using testing::ElementsAre;
+using Tools = Fresh;
 
 namespace {
 
-using Tools = Fresh;
-
-/// The plain double loop.
-void AssignPlainly(MvmMesh* mesh)
+float Pick(std::mt19937* random, const std::vector<float>& from)
 {
-    for (int32_t v = 1; v <= mesh->VertexCount(); ++v) {
-        if (mesh->VertexBones[v] != 0) {
-            continue;
+    return from[(*random)() % from.size()];
+}
+
+/// A place on a grid on which thresholds are met exactly, at the ends of the range, or anywhere.
+Vec3 Place(std::mt19937* random, unsigned kind, float step)
+{
+    const std::vector<float> values[] = {{-2 * step, -step, 0, step, 2 * step},
+                                         {0, -0.0F, INFINITY, -INFINITY, NAN, 3e38F, 1e-45F, -1e-45F, step, -step}};
+    std::uniform_real_distribution<float> anywhere(-1, 1);
+    const auto one = [&] { return kind % 3 == 2 ? anywhere(*random) : Pick(random, values[kind % 3]); };
+    return {one(), one(), one()};
+}
+
+/// Whether `b` on the source side is the mirror image of `a` on the target side.
+bool Pairs(const Vec3& a, const Vec3& b, double t, const MirrorOptions& options)
+{
+    const auto near = [t](double target, double source) { return target - t < source && target + t > source; };
+    const auto isTarget = [&](const Vec3& place) { return options.LeftToRight ? place.X > 0 : place.X < 0; };
+    return isTarget(a) && !isTarget(b) && near(a.X, -b.X) && near(a.Y, b.Y) && near(a.Z, b.Z);
+}
+
+/// The plain double loops.
+void MirrorPlainly(MvmMesh* mesh, const MirrorOptions& options, bool links, std::string* log)
+{
+    std::vector<int16_t> partners(static_cast<size_t>(BoneCount()) + 1);
+    for (int16_t i = 1; i <= static_cast<int16_t>(BoneCount()); ++i) {
+        int16_t j = 1;
+        while (j <= BoneCount() && !Pairs(Bones[i].Position, Bones[j].Position, MirrorBoneThreshold, options)) {
+            ++j;
         }
-        int16_t best = 0;
-        float bestDistance = 1000000.0F;
-        for (int16_t b = 1; b <= static_cast<int16_t>(BoneCount()); ++b) {
-            if (Bones[b].IsShadow) {
-                continue;
-            }
-            const Vec3& at = Bones[b].Position;
-            const double scale = SkinScale;
-            const Vec3 p{static_cast<float>((static_cast<double>(at.X) + SkinOffset.X) * scale),
-                         static_cast<float>((static_cast<double>(at.Y) + SkinOffset.Y) * scale),
-                         static_cast<float>((static_cast<double>(at.Z) + SkinOffset.Z) * scale)};
-            const auto d = static_cast<float>(VecDistance(p, mesh->Vertices[v]));
-            if (d < bestDistance) {
-                bestDistance = d;
-                best = b;
-            }
+        if (links) {
+            partners[static_cast<size_t>(i)] = Bones[i].MirrorBone;
+        } else if (j <= BoneCount()) {
+            partners[static_cast<size_t>(i)] = j;
+            partners[static_cast<size_t>(j)] = i;
+            *log += "Log: " + std::to_string(i) + " : " + std::to_string(j) + "\n";
         }
-        mesh->VertexBones[v] = best;
     }
-}
-
-TEST_F(Tools, AutoAssignEqualsThePlainLoop)
-{
-    for (unsigned seed = 0; seed < 400; ++seed) {
-        scripted::Reset();
-        std::mt19937 random(seed);
-        const int kind = static_cast<int>(seed % shapes::Kinds);
-        const float step = shapes::Pick(&random, {0.01F, 1.0F, 1e-44F, 250000.0F});
-        SkinScale = shapes::Pick(&random, {1, 1, 0.37F, std::numeric_limits<float>::infinity()});
-        SkinOffset = random() % 2 == 0 ? Vec3{} : shapes::Place(&random, 0, step);
-        const auto bones = 1 + shapes::Count(&random);
-        for (unsigned b = 0; b < bones; ++b) {
-            MvmBone& bone = Bones.Add();
-            bone.Position = shapes::Place(&random, kind, step);
-            bone.IsShadow = random() % 5 == 0;
-        }
-        MvmMesh& mesh = Meshes.Add();
-        mesh.IsSkin = true;
-        for (unsigned v = 0; v < 150; ++v) {
-            mesh.Vertices.Add(shapes::Place(&random, random() % 4 == 0 ? 0 : kind, step));
-            mesh.VertexBones.Add(static_cast<int16_t>(random() % 8 == 0 ? static_cast<int>(random() % 3) - 1 : 0));
-        }
-        MvmMesh expected = mesh;
-        AssignPlainly(&expected);
-        AutoAssign(1);
-        ASSERT_EQ(mesh.VertexBones.Items, expected.VertexBones.Items) << "seed " << seed;
-        ASSERT_EQ(scripted::Redraws, 1);
-    }
-}
-
-TEST_F(Tools, AutoAssignTiesAreThoseOf32Bits)
-{
-    // 64-bit distances differ, 32-bit ones do not: the lower index stays.
-    Bones.Add().Position = {1, 1e-4F, 0};
-    Bones.Add().Position = {1, 0, 0};
-    Bones.Add().Position = {0, 1000000, 0};
-    MvmMesh& mesh = Meshes.Add();
-    mesh.IsSkin = true;
-    mesh.Vertices.Items = {{0, 0, 0}, {0, 0, 2000000}, {0, 2000000, 0}, {0, 1999999, 0}};
-    mesh.VertexBones.Items = {0, 0, 0, 0};
-    AutoAssign(1);
-    EXPECT_EQ(mesh.VertexBones.Items, (std::vector<int16_t>{1, 0, 0, 3}));
-}
-
-TEST_F(Tools, AutoAssignRefusesInOrder)
-{
-    AutoAssign(1);
-    EXPECT_TRUE(scripted::Messages.empty());
-    Meshes.Add().Vertices.Add();
-    AutoAssign(1);
-    Bones.Add();
-    AutoAssign(1);
-    EXPECT_THAT(scripted::Messages, testing::ElementsAre(IsBox(BoxIcon::Warning, "No boned found to assign."),
-                                                         IsBox(BoxIcon::Warning, "Mesh is not a skin.")));
-    EXPECT_FALSE(Meshes[1].IsSkin);
-    EXPECT_EQ(scripted::Redraws, 0);
-}
-
-/// The plain nested loops, vertices outside.
-void NormalsPlainly(MvmMesh* mesh)
-{
-    std::vector<Vec3> normals;
     for (int32_t i = 1; i <= mesh->VertexCount(); ++i) {
-        Vec3 sum;
-        for (const MvmFace& face : mesh->Faces) {
-            if (!FaceCornersValid(*mesh, face)) {
-                continue;
+        for (int32_t j = 1; j <= mesh->VertexCount(); ++j) {
+            if (Pairs(mesh->Vertices[i], mesh->Vertices[j], MirrorVertexThreshold, options)) {
+                const int16_t bone = mesh->VertexBones[j];
+                const int16_t partner = IsValidBone(bone) ? partners[static_cast<size_t>(bone)] : int16_t{0};
+                int16_t& entry = mesh->VertexBones[i];
+                const bool writes = partner > 0 ? entry < 1 || options.Reassign : options.Unassign;
+                entry = writes ? partner : entry;
             }
-            const Vec3& p1 = mesh->Vertices[face.Vertex[0]];
-            const Vec3& p2 = mesh->Vertices[face.Vertex[1]];
-            const Vec3& p3 = mesh->Vertices[face.Vertex[2]];
-            int corner = 0;
-            for (int k = 1; k <= 3; ++k) {
-                corner = face.Vertex[static_cast<size_t>(k) - 1] == i ? k : corner;
-            }
-            if (corner == 0) {
-                continue;
-            }
-            const Vec3 first = corner == 1 ? VecSub(p1, p2) : corner == 2 ? VecSub(p2, p1) : VecSub(p3, p1);
-            const Vec3 second = corner == 1 ? VecSub(p1, p3) : corner == 2 ? VecSub(p2, p3) : VecSub(p3, p2);
-            const double angle = VecAngle(first, second);
-            const Vec3 normal = FaceNormal(p3, p2, p1);
-            const auto area = static_cast<float>(TriangleArea(p3, p2, p1));
-            sum.X = static_cast<float>(sum.X + static_cast<double>(normal.X) * area * angle);
-            sum.Y = static_cast<float>(sum.Y + static_cast<double>(normal.Y) * area * angle);
-            sum.Z = static_cast<float>(sum.Z + static_cast<double>(normal.Z) * area * angle);
-        }
-        normals.push_back(VecNormalize(sum));
-    }
-    mesh->Normals.Items = normals;
-    for (MvmFace& face : mesh->Faces) {
-        face.Normal = face.Vertex;
-    }
-}
-
-/// Bits, so that signs of zeros count; values that are not numbers are all alike.
-std::array<uint32_t, 3> BitsOf(const Vec3& vector)
-{
-    const auto bits = [](float value) { return std::isnan(value) ? 0x7FC00000U : std::bit_cast<uint32_t>(value); };
-    return {bits(vector.X), bits(vector.Y), bits(vector.Z)};
-}
-
-TEST_F(Tools, NormalsEqualThePlainLoops)
-{
-    for (unsigned seed = 0; seed < 300; ++seed) {
-        scripted::Reset();
-        std::mt19937 random(seed);
-        const int kind = static_cast<int>(seed % shapes::Kinds);
-        MvmMesh& mesh = Meshes.Add();
-        const auto vertices = 1 + random() % 60;
-        for (unsigned v = 0; v < vertices; ++v) {
-            mesh.Vertices.Add(shapes::Place(&random, kind, 0.25F));
-        }
-        mesh.Normals.Items.resize(random() % 5);
-        for (unsigned f = 0; f < 150; ++f) {
-            MvmFace& face = mesh.Faces.Add();
-            for (size_t corner = 0; corner < 3; ++corner) {
-                face.Vertex[corner] = static_cast<int16_t>(1 + random() % vertices);
-                face.Normal[corner] = static_cast<int16_t>(random() % 9);
-            }
-            if (f % 20 == 0) {
-                face.Vertex[random() % 3] = static_cast<int16_t>(random() % 2 == 0 ? 0 : vertices + 1);
-            }
-        }
-        MvmMesh expected = mesh;
-        NormalsPlainly(&expected);
-        RegenerateNormals(1);
-        ASSERT_EQ(mesh.NormalCount(), mesh.VertexCount());
-        for (int32_t i = 1; i <= mesh.NormalCount(); ++i) {
-            ASSERT_EQ(BitsOf(mesh.Normals[i]), BitsOf(expected.Normals[i])) << "seed " << seed << " normal " << i;
-        }
-        for (int32_t f = 1; f <= mesh.FaceCount(); ++f) {
-            ASSERT_EQ(mesh.Faces[f].Normal, expected.Faces[f].Normal);
         }
     }
-}
-
-TEST_F(Tools, NormalsOfATriangleAndALooseVertex)
-{
-    MvmMesh& mesh = Meshes.Add();
-    mesh.Vertices.Items = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {5, 5, 5}};
-    mesh.Faces.Add().Vertex = {1, 2, 3};
-    RegenerateNormals(2);
-    EXPECT_EQ(mesh.NormalCount(), 0);
-    RegenerateNormals(1);
-    for (int32_t i = 1; i <= 3; ++i) {
-        EXPECT_EQ(mesh.Normals[i].Z, 1);
-    }
-    EXPECT_EQ(mesh.Normals[4].Z, 0);
-    EXPECT_FALSE(mesh.IsSkin);
 }
 
 } // namespace
+
+TEST_F(Tools, MirrorEqualsThePlainLoops)
+{
+    for (unsigned seed = 0; seed < 500; ++seed) {
+        scripted::Reset();
+        std::mt19937 random(seed);
+        const float step = Pick(&random, {0.01F, 0.25F, 1.0F});
+        const auto place = [&] { return Place(&random, seed, step); };
+        const std::vector<float> thresholds = {step, step, step * 2, step * 1.5F, 0, 100, NAN};
+        MirrorVertexThreshold = Pick(&random, thresholds);
+        MirrorBoneThreshold = Pick(&random, thresholds);
+        const auto bones = random() % 40;
+        for (unsigned b = 0; b < bones; ++b) {
+            Bones.Add({.Position = place(), .MirrorBone = static_cast<int16_t>(random() % (bones + 1))});
+        }
+        MvmMesh& mesh = AddSkin("Hide", {}, {});
+        for (auto v = random() % 200; v > 0; --v) {
+            mesh.Vertices.Add(place());
+            mesh.VertexBones.Add(static_cast<int16_t>(static_cast<int>(random() % (bones + 4)) - 2));
+        }
+        AliasFiles.Add({"", random() % 3 == 0 ? "Hide" : "Other", {}});
+        AliasesOn = random() % 2 == 0;
+        EditTarget = static_cast<int16_t>(random() % 2);
+        (EditTarget == 0 ? SkinMesh : ShadowMesh) = 1;
+        const MirrorOptions options{random() % 2 == 0, (seed / 8) % 2 == 0, (seed / 16) % 2 == 0};
+        MvmMesh expected = mesh;
+        std::string log;
+        MirrorPlainly(&expected, options, AliasesOn && AliasFiles[1].Name == "Hide", &log);
+        MirrorWeights(options);
+        ASSERT_EQ(mesh.VertexBones.Items, expected.VertexBones.Items) << "seed " << seed;
+        ASSERT_EQ(Told(), log) << "seed " << seed;
+    }
+}
+
+TEST_F(Tools, MathKeepsDoublePrecisionWithoutEpsilon)
+{
+    EXPECT_TRUE(VecNormalize({0, -1e-45F, 0}).Y == -1 && VecNormalize({0, 1, NAN}).Y == 0);
+    EXPECT_EQ(VecDistance({16777216, 0, 0}, {-1, 0, 0}), 16777217.0); // not rounded to 32 bits
+    EXPECT_TRUE(VecAngle({0, 2, 0}, {0, 5, 0}) == 0 && VecAngle({0, 2, 0}, {0, -5, 0}) == 3.1415927);
+    EXPECT_DOUBLE_EQ(VecAngle({0, 0, 0}, {1, 2, 3}), 3.14159265358979 / 2);
+}
+
+TEST_F(Tools, AutoAssignFindsTheNearestBone)
+{
+    for (unsigned seed = 0; seed < 200; ++seed) {
+        std::mt19937 random(seed);
+        const float step = Pick(&random, {0.01F, 1.0F, 1e-44F, 250000.0F});
+        const auto place = [&] { return Place(&random, seed, step); };
+        scripted::Reset();
+        for (int b = 0; b < 40; ++b) {
+            Bones.Add({.Position = place()});
+        }
+        MvmMesh& mesh = AddSkin("S", {}, std::vector<int16_t>(80));
+        std::vector<int16_t> expected(80);
+        for (int16_t& best : expected) {
+            mesh.Vertices.Add(place());
+            float nearest = 1000000;
+            for (int16_t b = 1; b <= 40; ++b) {
+                const auto distance = static_cast<float>(VecDistance(Bones[b].Position, mesh.Vertices.Items.back()));
+                best = distance < nearest ? b : best;
+                nearest = std::fmin(nearest, distance);
+            }
+        }
+        AutoAssign(1);
+        ASSERT_EQ(mesh.VertexBones.Items, expected) << "seed " << seed;
+    }
+}
+
+TEST_F(Tools, AutoAssignRefusesInOrderAndMeasuresIn32Bits)
+{
+    AutoAssign(1);
+    Meshes.Add();
+    AutoAssign(1);
+    SkinScale = 0.5F;
+    SkinOffset = {2, 0, 0};
+    // 64-bit distances to the first two differ, 32-bit ones do not: the lower index stays.
+    for (const Vec3& place : {Vec3{0, 2e-4F, 0}, Vec3{0, 0, 0}, Vec3{-2, 2000000, 0}, Vec3{-2, 0, 0}}) {
+        Bones.Add({.Position = place, .IsShadow = place.X + place.Y == -2});
+    }
+    AutoAssign(1);
+    EXPECT_EQ(Told(), "Warning: No boned found to assign.\nWarning: Mesh is not a skin.\n");
+    Meshes.Clear();
+    AddSkin("S", {{0, 0, 0}, {0, 0, 2000000}, {0, 2000000, 0}, {0, 1999999, 0}, {}}, {0, 0, 0, 0, -1});
+    AutoAssign(1);
+    EXPECT_THAT(Meshes[1].VertexBones.Items, ElementsAre(1, 0, 0, 3, -1)); // nearer than 1000000
+    EXPECT_EQ(scripted::Redraws, 1);
+}
+
+TEST_F(Tools, NormalsWeighFacesByAreaAndAngle)
+{
+    MvmMesh& mesh = Meshes.Add();
+    mesh.Vertices.Items = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 2}, {5, 5, 5}};
+    mesh.Normals.Items.resize(9);
+    // Of area 1/2 towards Z, of area 1 towards X, and one that is not whole.
+    mesh.Faces.Items = {{.Vertex = {1, 2, 3}}, {.Vertex = {1, 3, 4}}, {.Vertex = {1, 2, 6}}};
+    RegenerateNormals(2);
+    RegenerateNormals(1);
+    ASSERT_EQ(mesh.NormalCount(), 5);
+    const double quarter = std::acos(0.0);
+    const double expected[5][2] = {{quarter, quarter / 2}, {0, 1}, {std::atan(2.0), quarter / 4}, {1, 0}, {0, 0}};
+    for (int32_t i = 1; i <= 5; ++i) {
+        const auto& [x, z] = expected[i - 1];
+        const Vec3 normal = VecNormalize({static_cast<float>(x), 0, static_cast<float>(z)});
+        EXPECT_NEAR(VecDistance(mesh.Normals[i], normal), 0, 1e-6) << i;
+    }
+    EXPECT_EQ(mesh.Faces[3].Normal, mesh.Faces[3].Vertex);
+}

@@ -7,6 +7,8 @@
 #include <gmock/gmock.h>
 
 #include "app/modFrontEnd.h"
+#include "model/modMvmRead.h"
+#include "support/model_text.h"
 #include "support/scripted.h"
 #include "support/temp_folder.h"
 
@@ -24,6 +26,24 @@ protected:
     std::string Error;
 };
 
+/// The same with a file to put models into.
+class ModelFile : public FreshFolder {
+protected:
+    /// Adds these bytes, as a model file, to the scene.
+    bool Load(std::string_view bytes)
+    {
+        PutFile(Path, bytes);
+        return LoadMVM(Path);
+    }
+    /// The same into an empty scene.
+    bool LoadAnew(std::string_view bytes)
+    {
+        scripted::Reset();
+        return Load(bytes);
+    }
+    const std::string Path = Folder / "a.mvm";
+};
+
 /// Runs `act`, which says whether all went well, with each of its file steps failing in turn. Gives their number.
 inline int FailEachStep(const std::function<bool()>& act)
 {
@@ -38,6 +58,25 @@ inline int FailEachStep(const std::function<bool()>& act)
             return scripted::Steps;
         }
     }
+}
+
+/// All that was told since the last call: the messages, the questions and the log, each with a line feed behind it.
+inline std::string Told()
+{
+    constexpr const char* leads[] = {"Information: ", "Warning: ", "Stop: ", "Question: "};
+    std::string text;
+    for (const auto* boxes : {&scripted::Messages, &scripted::Questions}) {
+        for (const scripted::Box& box : *boxes) {
+            text += leads[static_cast<int>(box.Icon)] + box.Text + "\n";
+        }
+    }
+    for (const std::string& line : scripted::Log) {
+        text += "Log: " + line + "\n";
+    }
+    scripted::Messages.clear();
+    scripted::Questions.clear();
+    scripted::Log.clear();
+    return text;
 }
 
 /// Matches a message box by its icon and its text.

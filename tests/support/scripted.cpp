@@ -51,6 +51,7 @@ void Reset()
     Log.clear();
     Panels.clear();
     Progress.clear();
+    DeletedTextures.clear();
     LogShown = Redraws = 0;
     for (int list = 0; list < 2; ++list) {
         BoneRows[list].clear();

@@ -26,11 +26,12 @@ inline std::vector<std::pair<std::string, std::string>> Panels; ///< key and tex
 inline std::vector<std::pair<int, int>> Progress;               ///< (maximum, value) of each step
 inline int LogShown = 0;
 inline int Redraws = 0;
+inline std::vector<uint32_t> DeletedTextures; ///< names given to DeleteGLTexture, where there is no OpenGL
 inline std::vector<BoneRow> BoneRows[2];
 inline int32_t SelectedRow[2] = {-1, -1}; ///< number of the selected row, -1 for none
 inline std::string Folder;                ///< what ProgramFolder gives
 inline int32_t LargestTextureSide = 1 << 30;
-inline std::string DecimalMark = ".";     ///< what LocaleDecimalMark gives
+inline std::string DecimalMark = "."; ///< what LocaleDecimalMark gives
 
 // File steps: count them, and let them fail. A step fails when its number (1 for the first since the last reset) is
 // FailAt, or, with FailAfter set, also every later one.

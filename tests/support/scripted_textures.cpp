@@ -14,4 +14,7 @@ bool MakeGLTexture(const Bitmap&, uint32_t* name, std::string*)
     return true;
 }
 
-void DeleteGLTexture(uint32_t) {}
+void DeleteGLTexture(uint32_t name)
+{
+    scripted::DeletedTextures.push_back(name);
+}
