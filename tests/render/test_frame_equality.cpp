@@ -116,11 +116,9 @@ TEST_F(FrameEquality, StrangeCoordinatesDoNoHarm)
     harness::BuildCreature(&random, 10, 10);
     constexpr float infinite = std::numeric_limits<float>::infinity();
     constexpr float strange[] = {infinite, -infinite, std::numeric_limits<float>::quiet_NaN(), 3e38F, -3e38F, 1e-45F};
-    MvmMesh& mesh = Meshes[SkinMesh];
-    for (int32_t i = 1; i <= mesh.VertexCount(); i += 7) {
-        mesh.Vertices[i].Y = strange[static_cast<size_t>(i) % 6];
-        mesh.Normals[i].X = strange[static_cast<size_t>(i + 1) % 6];
-        mesh.TexCoords[i].U = strange[static_cast<size_t>(i + 2) % 6];
+    for (int32_t i = 1; i <= Meshes[1].VertexCount(); i += 7) {
+        const float value = strange[i % 6];
+        Meshes[1].Vertices[i].Y = Meshes[1].Normals[i + 1].X = Meshes[1].TexCoords[i + 2].U = value;
     }
     Bones[3].Position.X = infinite;
     SkinScale = infinite;
@@ -153,14 +151,10 @@ TEST_F(FrameEquality, NoStateOfOthersShowsInAFrame)
     glLineStipple(7, 0x1111);
     glMatrixMode(GL_PROJECTION);
     glScissor(0, 0, 30, 30);
-    for (const GLenum on :
-         std::initializer_list<GLenum>{GL_BLEND, GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_LINE_STIPPLE, GL_ALPHA_TEST,
-                                       GL_LIGHTING, GL_LINE_SMOOTH, GL_POINT_SMOOTH, GL_TEXTURE_2D}) {
-        glEnable(on);
-    }
-    for (const GLenum off :
-         std::initializer_list<GLenum>{GL_NORMALIZE, GL_POLYGON_OFFSET_FILL, GL_DEPTH_TEST, GL_CULL_FACE}) {
-        glDisable(off);
+    for (const GLenum what : std::initializer_list<GLenum>{
+             GL_BLEND, GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_LINE_STIPPLE, GL_ALPHA_TEST, GL_LIGHTING, GL_LINE_SMOOTH,
+             GL_POINT_SMOOTH, GL_TEXTURE_2D, GL_NORMALIZE, GL_POLYGON_OFFSET_FILL, GL_DEPTH_TEST, GL_CULL_FACE}) {
+        glIsEnabled(what) == GL_TRUE ? glDisable(what) : glEnable(what);
     }
     glPointSize(9);
     glLineWidth(4);
