@@ -7,6 +7,7 @@
 
 #include "app/modMvmDef.h"
 #include "modCamera.h"
+#include "modGLState.h"
 #include "modMaterialState.h"
 #include "modMvmDraw.h"
 #include "modOpenGL.h"
@@ -285,6 +286,7 @@ void plain::PaintFrame()
     glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_NICEST);
     glEnable(GL_NORMALIZE);
     glPolygonOffset(1, 1);
+    glAlphaFunc(GL_GREATER, AlphaReference);
     glEnable(GL_POLYGON_OFFSET_FILL);
     glEnable(GL_DEPTH_TEST);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
