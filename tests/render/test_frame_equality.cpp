@@ -56,6 +56,9 @@ protected:
         EXPECT_TRUE(expected.Pixels == harness::Paint().Pixels)
             << "flags " << state << " tab " << ActiveTab << " mode " << DisplayMode << " target " << EditTarget
             << " camera " << CurrentCamera;
+        if (ActiveTab == 1 && DisplayMode != 0 && IsValidMesh(TargetMesh())) {
+            EXPECT_EQ(AlphaReference, 0.01F) << "lowered for good";
+        }
     }
 };
 
@@ -126,7 +129,8 @@ TEST_F(FrameEquality, NoStateOfOthersShowsInAFrame)
     ActiveTab = 1;
     MouseButton = 1;
     MouseLastX = MouseLastY = 100;
-    PaintFrame(); // lowers the alpha test's reference for good
+    EXPECT_EQ(AlphaReference, 0.5F);
+    PaintFrame(); // lowers it for good
     const harness::Picture expected = harness::Paint();
     glClearColor(1, 0, 0, 1);
     glViewport(3, 4, 20, 20);
