@@ -74,7 +74,7 @@ std::vector<int32_t> plain::PickedVertices(int16_t index, int32_t x, int32_t y, 
     }
     const bool cull = !ViewWire && ViewCullVerts;
     if (cull) {
-        Surface(mesh);
+        Surface(mesh, true);
     }
     std::vector<int32_t> picked;
     for (const auto& [vertex, px, py, depth] : candidates) {

@@ -18,7 +18,6 @@
 #include "modDrag.h"
 #include "model/modBitmap.h"
 #include "modOpenGL.h"
-#include "modSession.h"
 #include "modViewFlags.h"
 #include "support/scripted.h"
 
@@ -61,31 +60,12 @@ bool Near(const Rgb& a, const Rgb& b)
     return std::ranges::equal(a, b, [](int x, int y) { return std::abs(x - y) <= 2; });
 }
 
-int16_t AddTexture(const Rgb& color, bool opacity)
-{
-    constexpr int side = 16;
-    Bitmap bitmap{side, side, {}};
-    for (int i = 0; i < side * side; ++i) {
-        const bool first = (i / 4 + i / (side * 4)) % 2 == 0;
-        for (const int channel : color) {
-            bitmap.Pixels.push_back(static_cast<uint8_t>(first ? channel : 255 - channel));
-        }
-        bitmap.Pixels.push_back(opacity && first ? 0 : 255);
-    }
-    std::string error;
-    MvmTexture& texture = Textures.Add();
-    texture.HasOpacity = opacity;
-    EXPECT_TRUE(MakeGLTexture(bitmap, &texture.GLTexture, &error));
-    return static_cast<int16_t>(TextureCount());
-}
-
 void OpenSquare()
 {
     MvmMesh& mesh = Meshes.Add();
     mesh.Vertices.Items = {{-0.5F, -0.5F, 0}, {0.5F, -0.5F, 0}, {0.5F, 0.5F, 0}, {-0.5F, 0.5F, 0}};
-    mesh.TexCoords.Items = {{-1, -1}, {1, -1}, {1, 1}, {-1, 1}};
     mesh.Normals.Items = {{0, 0, 1}};
-    mesh.Faces.Items = {{{1, 2, 3}, {1, 1, 1}, {1, 2, 3}, 0}, {{1, 3, 4}, {1, 1, 1}, {1, 3, 4}, 0}};
+    mesh.Faces.Items = {{{1, 2, 3}, {1, 1, 1}, {}, 0}, {{1, 3, 4}, {1, 1, 1}, {}, 0}};
     MakeSkin(SkinMesh = 1);
     ModelOpen = true;
 }
@@ -94,9 +74,19 @@ void BuildCreature(std::mt19937* random, int rings, int segments)
 {
     const auto below = [random](uint32_t end) { return static_cast<int16_t>((*random)() % end); };
     const auto lump = [&below] { return 0.45F + 0.0015F * below(100); };
-    for (const int16_t texture : {AddTexture({200, 40, 90}, false), AddTexture({20, 220, 30}, true),
-                                  AddTexture({10, 60, 240}, false), int16_t{0}, int16_t{99}}) {
-        Materials.Add().Texture = texture;
+    for (const int texture : {1, 2, 3, 0, 99}) {
+        Materials.Add().Texture = static_cast<int16_t>(texture);
+    }
+    for (const bool opacity : {false, true, false}) {
+        Bitmap bitmap{16, 16, {}};
+        for (int i = 0; i < 16 * 16; ++i) {
+            const auto color = static_cast<uint8_t>(below(256));
+            bitmap.Pixels.insert(bitmap.Pixels.end(),
+                                 {color, 128, 90, static_cast<uint8_t>(opacity ? i / 4 * 9 : 255)});
+        }
+        std::string error;
+        Textures.Add().HasOpacity = opacity;
+        EXPECT_TRUE(MakeGLTexture(bitmap, &Textures.Items.back().GLTexture, &error));
     }
     for (int16_t i = 0; i < 12; ++i) {
         Bones.Add({.Position = {lump() - 0.5F, lump() * static_cast<float>(i % 5) - 1, lump()},
@@ -158,8 +148,6 @@ void RenderTest::SetUp()
 void RenderTest::TearDown()
 {
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
-    ResetSession();
-    ShutdownOpenGL();
 }
 
 } // namespace harness

@@ -30,8 +30,6 @@ void SizeView(int width, int height);
 /// True when no channel of the two colours is further apart than two steps.
 [[nodiscard]] bool Near(const Rgb& a, const Rgb& b);
 
-/// Adds a texture of 16 by 16 texels in two colours; with opacity, half of the texels are transparent. Gives its number.
-int16_t AddTexture(const Rgb& color, bool opacity);
 /// Opens a model whose skin is a square of half side 0.5 in the plane Z = 0, facing +Z.
 void OpenSquare();
 /// Opens a model whose skin is a lumpy round mesh with several materials, bones and textures, some faces that point

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#define GL_GLEXT_PROTOTYPES
 #include <GL/gl.h>
 
 #include "app/modMvmDef.h"
@@ -64,9 +65,9 @@ void EachFace(const MvmMesh& mesh, GLenum kind, bool materials, Corner corner)
 
 } // namespace
 
-void plain::Surface(const MvmMesh& mesh)
+void plain::Surface(const MvmMesh& mesh, bool materials)
 {
-    EachFace(mesh, GL_TRIANGLES, true, [&mesh](const MvmFace& face, size_t k, const Vec3& vertex) {
+    EachFace(mesh, GL_TRIANGLES, materials, [&mesh](const MvmFace& face, size_t k, const Vec3& vertex) {
         const Vec2 place = At(mesh.TexCoords, face.TexCoord[k]);
         const Vec3 normal = At(mesh.Normals, face.Normal[k]);
         glTexCoord2fv(&place.U);
@@ -76,13 +77,6 @@ void plain::Surface(const MvmMesh& mesh)
 }
 
 namespace {
-
-using plain::Surface;
-
-void BareFaces(const MvmMesh& mesh)
-{
-    EachFace(mesh, GL_TRIANGLES, false, [](const MvmFace&, size_t, const Vec3& vertex) { glVertex3fv(&vertex.X); });
-}
 
 /// Sends the colour of a vertex: of those without a bone, of the active bone, of others.
 void SendColor(const MvmMesh& mesh, int32_t vertex, const std::array<Rgba, 3>& colors)
@@ -116,7 +110,7 @@ void Points(const MvmMesh& mesh)
         glClear(GL_DEPTH_BUFFER_BIT);
         glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
         if (!ViewWire) {
-            DisplayMode == 1 ? BareFaces(mesh) : Surface(mesh);
+            plain::Surface(mesh, DisplayMode != 1);
         }
         glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
         RestMaterial();
@@ -144,7 +138,7 @@ void Isolines(const MvmMesh& mesh)
     Blend(true);
     glDepthMask(GL_FALSE);
     glColor4f(1, 1, 1, 0.25F);
-    BareFaces(mesh);
+    plain::Surface(mesh, false);
     glDepthMask(GL_TRUE);
     Blend(false);
     glPolygonMode(GL_FRONT_AND_BACK, GL_FILL);
@@ -209,7 +203,7 @@ void Model()
     glPolygonMode(GL_FRONT_AND_BACK, ViewWire ? GL_LINE : GL_FILL);
     Switch(GL_CULL_FACE, !ViewBackfaces);
     if (ActiveTab == 0 || DisplayMode != 1) {
-        Surface(mesh);
+        plain::Surface(mesh, true);
     } else {
         Assignments(mesh);
     }
@@ -264,13 +258,9 @@ void Grid()
 void Label()
 {
     glDisable(GL_DEPTH_TEST);
-    glMatrixMode(GL_PROJECTION);
-    glLoadIdentity();
-    glMatrixMode(GL_MODELVIEW);
-    glLoadIdentity();
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_COLOR);
     glEnable(GL_BLEND);
-    glRasterPos2f(10.0F / static_cast<float>(ViewWidth) - 1, 1 - 42.0F / static_cast<float>(ViewHeight));
+    glWindowPos2i(5, ViewHeight - 21);
     glDrawPixels(80, 16, GL_LUMINANCE, GL_UNSIGNED_BYTE, &CameraLabels[static_cast<size_t>(8 - CurrentCamera) * 1280]);
     glDisable(GL_BLEND);
 }

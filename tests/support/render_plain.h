@@ -8,7 +8,7 @@ namespace plain {
 
 /// Paints the frame at PixelScale 1.
 void PaintFrame();
-/// Draws the faces one by one, each with its material.
-void Surface(const MvmMesh& mesh);
+/// Draws the faces one by one, each with its material if that is wanted.
+void Surface(const MvmMesh& mesh, bool materials);
 
 } // namespace plain
