@@ -1,5 +1,4 @@
 #include <cmath>
-#include <cstring>
 #include <limits>
 
 #include <GL/gl.h>
@@ -75,6 +74,9 @@ TEST_F(CameraTest, EachLooksAlongItsAxis)
 
 TEST_F(CameraTest, MouseMovesOnlyTheCurrentCamera)
 {
+    const auto numbers = [](const ViewCamera& c) {
+        return std::array{c.Rotation.X, c.Rotation.Y, c.Rotation.Z, c.Position.X, c.Position.Y, c.Position.Z};
+    };
     const auto before = Cameras;
     for (int16_t number = -1; number <= CameraCount + 1; ++number) {
         CurrentCamera = number;
@@ -85,7 +87,7 @@ TEST_F(CameraTest, MouseMovesOnlyTheCurrentCamera)
         for (size_t i = 1; i < Cameras.size(); ++i) {
             const ViewCamera& camera = Cameras[i];
             if (i != static_cast<size_t>(number)) {
-                EXPECT_EQ(std::memcmp(&camera, &before[i], sizeof(camera)), 0);
+                EXPECT_EQ(numbers(camera), numbers(before[i]));
                 continue;
             }
             ExpectVector(camera.Rotation, before[i].Rotation.X + 2, before[i].Rotation.Y - 401, 0);
@@ -105,14 +107,13 @@ protected:
     /// Numbers of the skin's vertices that a pick gives the active bone.
     static Numbers Pick(const PickBox& box)
     {
-        constexpr int16_t picked = 7;
         MvmMesh& mesh = Meshes[1];
         mesh.VertexBones.Items.assign(mesh.Vertices.Items.size(), 1);
-        ActiveBone = picked;
+        ActiveBone = 7;
         PickVertices(1, box.X, box.Y, box.Width, box.Height);
         Numbers taken;
         for (int32_t i = 1; i <= mesh.VertexCount(); ++i) {
-            if (mesh.VertexBones[i] == picked) {
+            if (mesh.VertexBones[i] == ActiveBone) {
                 taken.push_back(i);
             }
         }

@@ -64,13 +64,13 @@ TEST_F(FrameColors, MaterialsWithAndWithoutLight)
 TEST_F(FrameColors, RubberBandNeedsMoreThanFourPixelsBothWays)
 {
     const struct {
+        float X, Y;
         int32_t Button;
         int16_t Tool;
-        float X, Y;
         bool Shown;
-    } rows[] = {{1, 0, 150, 110, true},  {0, 0, 150, 110, false},   {4, 0, 150, 110, false},
-                {1, 1, 150, 110, false}, {1, 0, 54.5F, 110, false}, {1, 0, 150, 46, false},
-                {1, 0, 55, 55, true},    {1, 0, 8, 110, true},      {1, 0, 1e9F, 1e9F, true}};
+    } rows[] = {{150, 110, 1, 0, true},  {150, 110, 0, 0, false},   {150, 110, 4, 0, false},
+                {150, 110, 1, 1, false}, {54.5F, 110, 1, 0, false}, {150, 46, 1, 0, false},
+                {55, 55, 1, 0, true},    {8, 110, 1, 0, true},      {1e9F, 1e9F, 1, 0, true}};
     ViewGrid = false;
     CameraLabels.fill(0);
     MouseStartX = 50.5F; // ties to even: 50
@@ -121,7 +121,8 @@ TEST_F(FrameColors, EverythingGrowsWithThePixelScale)
     MouseLastX = 70;
     MouseStartY = 100;
     MouseLastY = 150;
-    const auto label = static_cast<int>(std::count(&CameraLabels[4 * 1280], &CameraLabels[5 * 1280], 255));
+    const auto label =
+        static_cast<int>(std::count(CameraLabels.begin() + 4 * 1280, CameraLabels.begin() + 5 * 1280, 255));
     for (const int scale : {1, 2}) {
         PixelScale = static_cast<float>(scale);
         harness::SizeView(200 * scale, 160 * scale);

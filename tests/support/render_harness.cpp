@@ -104,7 +104,8 @@ void BuildCreature(std::mt19937* random, int rings, int segments)
         // Off the poles and the axes, so that no face is seen exactly edge-on. Next to textured ones of that kind the
         // software rasterizer fills some pixels otherwise for arrays than for single calls, even when each face is
         // drawn alone with corners of its own and without polygon offset; the cause in it is not known.
-        const float up = 0.1F + 2.94F * static_cast<float>(i / segments) / static_cast<float>(rings);
+        const int ring = i / segments;
+        const float up = 0.1F + 2.94F * static_cast<float>(ring) / static_cast<float>(rings);
         const float round = 0.07F + 6.2832F * static_cast<float>(i % segments) / static_cast<float>(segments);
         const Vec3 way{std::sin(up) * std::cos(round), std::cos(up), std::sin(up) * std::sin(round)};
         const float size = lump();
