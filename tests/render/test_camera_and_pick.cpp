@@ -1,5 +1,4 @@
 #include <cmath>
-#include <limits>
 
 #include <GL/gl.h>
 #include <GL/glu.h>
@@ -219,8 +218,7 @@ TEST_F(PickTest, BoxesAndClicks)
     harness::OpenSquare();
     Meshes[1].Vertices.Add({-1.25F, -0.5F, 0});
     Meshes[1].Vertices.Add({1.2375F, 0.9875F, 0});
-    constexpr float infinite = std::numeric_limits<float>::infinity();
-    for (const float strange : {infinite, -infinite, std::nanf(""), 3e38F, -3e38F}) {
+    for (const float strange : {HUGE_VALF, -HUGE_VALF, std::nanf(""), 3e38F, -3e38F}) {
         Meshes[1].Vertices.Add({strange, 0, 0});
         Meshes[1].Vertices.Add({0, strange, strange});
     }
