@@ -18,7 +18,6 @@ TEST_F(Console, AnswersEachLineInTheLog)
     }
     scripted::DecimalMark = ",";
     EXPECT_EQ(lines("cam")[2], "   22,5");
-    CurrentCamera = 0;
 
     EXPECT_THAT(lines("alias"), ElementsAre("alias_num 0"));
     AliasFiles.Add({"/p/bär.alias", "b\xE4r", {}}).Entries.Add().Bone = "R\xFC";

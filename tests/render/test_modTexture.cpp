@@ -8,6 +8,7 @@
 #include "modViewFlags.h"
 #include "support/bmp.h"
 #include "support/fresh.h"
+#include "support/render_harness.h"
 
 using testing::ElementsAre;
 using testing::Pair;
@@ -41,6 +42,7 @@ protected:
 
 TEST_F(TheTextures, ReachOpenGLWithAllLevelsAndLeaveItTogether)
 {
+    const int made = harness::MadeCurrent;
     ASSERT_EQ(LoadTexture(path, opacity), 1);
     ASSERT_EQ(LoadTexture(path, ""), 2);
     EXPECT_TRUE(Textures[1].HasOpacity && !Textures[2].HasOpacity);
@@ -53,6 +55,7 @@ TEST_F(TheTextures, ReachOpenGLWithAllLevelsAndLeaveItTogether)
     glGetTexLevelParameteriv(GL_TEXTURE_2D, 2, GL_TEXTURE_WIDTH, &width);
     EXPECT_EQ(width, 1);
     FreeTextures();
+    EXPECT_EQ(harness::MadeCurrent, made + 4);
     EXPECT_FALSE(glIsTexture(names[0]) || glIsTexture(names[1]));
 
     uint32_t name = 0;

@@ -23,7 +23,10 @@
 
 static std::unique_ptr<QOpenGLFramebufferObject> framebuffer;
 
-void MakeViewCurrent() {}
+void MakeViewCurrent()
+{
+    ++harness::MadeCurrent;
+}
 
 namespace harness {
 
@@ -164,8 +167,7 @@ int main(int argc, char** argv)
     surface.create();
     QOpenGLContext context;
     if (!context.create() || !context.makeCurrent(&surface)) {
-        std::fputs("no OpenGL context\n", stderr);
-        return 1;
+        qFatal("no OpenGL context");
     }
     const int result = RUN_ALL_TESTS();
     framebuffer.reset();

@@ -21,6 +21,8 @@ struct Picture {
     [[nodiscard]] int Count(const Rgb& color) const;
 };
 
+inline int MadeCurrent = 0; ///< calls of MakeViewCurrent
+
 /// Makes the view this large, in device pixels, with a new framebuffer, and binds it.
 void SizeView(int width, int height);
 /// Reads the framebuffer.

@@ -105,7 +105,6 @@ void Assignments(const MvmMesh& mesh)
 void Points(const MvmMesh& mesh)
 {
     const GLubyte alpha = DisplayMode == 1 ? 255 : 127;
-    RestMaterial();
     if (ViewCullVerts) {
         glClear(GL_DEPTH_BUFFER_BIT);
         glColorMask(GL_FALSE, GL_FALSE, GL_FALSE, GL_FALSE);
@@ -113,8 +112,8 @@ void Points(const MvmMesh& mesh)
             plain::Surface(mesh, DisplayMode != 1);
         }
         glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
-        RestMaterial();
     }
+    RestMaterial();
     Switch(GL_DEPTH_TEST, ViewCullVerts);
     glDepthMask(GL_FALSE);
     glPointSize(static_cast<float>(PointSize));
@@ -162,7 +161,6 @@ void NormalLines(const MvmMesh& mesh)
 void Skeleton()
 {
     RestMaterial();
-    glDisable(GL_ALPHA_TEST);
     glDisable(GL_DEPTH_TEST);
     Blend(true);
     glLineWidth(1.5F);
@@ -273,7 +271,6 @@ void plain::PaintFrame()
     glViewport(0, 0, ViewWidth, ViewHeight);
     glClearColor(0.5F, 0.5F, 0.5F, 0);
     glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
-    glHint(GL_PERSPECTIVE_CORRECTION_HINT, GL_NICEST);
     glEnable(GL_NORMALIZE);
     glPolygonOffset(1, 1);
     glAlphaFunc(GL_GREATER, AlphaReference);
