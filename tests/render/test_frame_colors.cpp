@@ -34,7 +34,7 @@ TEST_F(FrameColors, MaterialsWithAndWithoutLight)
         {0, 0, true, {255, 127, 255}, {1, 0.5, 1}},
         {2, 0, true, {255, 127, 255}, {1, 0.5, 1}},
         {1, 0, true, {255, 191, 64}, {1, 0.75, 0.25}},
-        {1, 9, true, {255, 255, 255}, {1, 1, 1}}, // a number without a texture
+        {1, 1, true, {255, 255, 255}, {1, 1, 1}}, // a number without a texture
         {1, 9, false, {191, 191, 191}, {0.5, 0.5, 0.5}},
     };
     ViewGrid = false;
