@@ -18,6 +18,7 @@
 #include "modPick.h"
 #include "modSession.h"
 #include "modViewFlags.h"
+#include "plain_pick.h"
 #include "support/render_plain.h"
 
 namespace {

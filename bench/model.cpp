@@ -67,7 +67,7 @@ void LoadAssimp(benchmark::State& state)
     const Texts& texts = LargestModel();
     for (auto _ : state) {
         Assimp::Importer importer;
-        const aiScene* const scene = importer.ReadWhole(texts.ObjPath, 0);
+        const aiScene* const scene = importer.ReadFile(texts.ObjPath, 0);
         size_t faces = 0;
         for (unsigned mesh = 0; scene != nullptr && mesh < scene->mNumMeshes; ++mesh) {
             faces += scene->mMeshes[mesh]->mNumFaces;

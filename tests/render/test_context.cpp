@@ -1,73 +1,38 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
-#include <QSurface>
 
-#include "app/modFrontEnd.h"
 #include "modOpenGL.h"
-#include "support/scripted.h"
+#include "support/fresh.h"
 
-// Contexts that cannot draw are refused with a message.
-
-namespace {
-
-class BadContext : public testing::Test {
-protected:
-    void SetUp() override
-    {
+TEST(BadContext, IsRefusedWithAMessage)
+{
+    QOpenGLContext* const usual = QOpenGLContext::currentContext();
+    QSurface* const surface = usual->surface();
+    QSurfaceFormat core;
+    core.setVersion(3, 3);
+    core.setProfile(QSurfaceFormat::CoreProfile);
+    QSurfaceFormat embedded;
+    embedded.setRenderableType(QSurfaceFormat::OpenGLES);
+    embedded.setVersion(2, 0);
+    const QSurfaceFormat* const cases[] = {nullptr, &core, &embedded};
+    for (const QSurfaceFormat* format : cases) {
+        SCOPED_TRACE(format == nullptr ? "no context" : format == &core ? "core profile" : "embedded profile");
         scripted::Reset();
-        usual = QOpenGLContext::currentContext();
-        surface = usual->surface();
-    }
-    void TearDown() override { ASSERT_TRUE(usual->makeCurrent(surface)); }
-
-    static void ExpectRefusal()
-    {
+        QOpenGLContext context;
+        QOffscreenSurface other;
+        usual->doneCurrent();
+        if (format != nullptr) {
+            context.setFormat(*format);
+            other.setFormat(*format);
+            other.create();
+            ASSERT_TRUE(context.create() && context.makeCurrent(&other));
+        }
         EXPECT_FALSE(InitOpenGL());
         EXPECT_FALSE(GLContext);
-        ASSERT_EQ(scripted::Messages.size(), 1U);
-        EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Stop);
-        EXPECT_EQ(scripted::Messages[0].Text, "Initalizing OpenGL failed.");
-    }
-
-    void ExpectRefusalOf(const QSurfaceFormat& format)
-    {
-        QOpenGLContext context;
-        context.setFormat(format);
-        QOffscreenSurface other;
-        other.setFormat(format);
-        other.create();
-        ASSERT_TRUE(context.create());
-        ASSERT_TRUE(context.makeCurrent(&other));
-        ExpectRefusal();
+        EXPECT_THAT(scripted::Messages, testing::ElementsAre(IsBox(BoxIcon::Stop, "Initalizing OpenGL failed.")));
         context.doneCurrent();
     }
-
-    QOpenGLContext* usual = nullptr;
-    QSurface* surface = nullptr;
-};
-
-TEST_F(BadContext, None)
-{
-    usual->doneCurrent();
-    ExpectRefusal();
+    ASSERT_TRUE(usual->makeCurrent(surface));
 }
-
-TEST_F(BadContext, CoreProfile)
-{
-    QSurfaceFormat format;
-    format.setVersion(3, 3);
-    format.setProfile(QSurfaceFormat::CoreProfile);
-    ExpectRefusalOf(format);
-}
-
-TEST_F(BadContext, EmbeddedProfile)
-{
-    QSurfaceFormat format;
-    format.setRenderableType(QSurfaceFormat::OpenGLES);
-    format.setVersion(2, 0);
-    ExpectRefusalOf(format);
-}
-
-} // namespace

@@ -5,53 +5,32 @@
 
 using testing::ElementsAre;
 
-namespace {
-
 using Console = Fresh;
 
-std::vector<std::string> Lines(const std::string& input)
+TEST_F(Console, AnswersEachLineInTheLog)
 {
-    SCOPED_TRACE(input);
-    return LogOf([&] { RunCommand(input); });
-}
-
-} // namespace
-
-TEST_F(Console, PrintsTheCurrentCameraUnderTheInputAsTyped)
-{
+    const auto lines = [](const std::string& input) { return LogOf([&] { RunCommand(input); }); };
     CurrentCamera = 3;
     Cameras[3].Rotation = {-90, 22.5F, 0};
     Cameras[3].Position = {1.5F, -0.25F, 1234567.9F};
     for (const char* input : {"cam", "CAM", "Cam  further words"}) {
-        EXPECT_THAT(Lines(input), ElementsAre(input, "   -90", "   22.5", "   0", "   1.5", "   -0.25", "   1234568"));
+        EXPECT_THAT(lines(input), ElementsAre(input, "   -90", "   22.5", "   0", "   1.5", "   -0.25", "   1234568"));
     }
     scripted::DecimalMark = ",";
-    EXPECT_EQ(Lines("cam")[2], "   22,5");
-    CurrentCamera = 0;
-}
+    EXPECT_EQ(lines("cam")[2], "   22,5");
 
-TEST_F(Console, TogglesSleep)
-{
-    EXPECT_THAT(Lines("nosleep"), ElementsAre("Dedicated mode."));
-    EXPECT_TRUE(NoSleep);
-    EXPECT_THAT(Lines("NoSleep now"), ElementsAre("Efficiency mode."));
-    EXPECT_FALSE(NoSleep);
-}
-
-TEST_F(Console, ListsTheAliasFiles)
-{
-    EXPECT_THAT(Lines("alias"), ElementsAre("alias_num 0"));
+    EXPECT_THAT(lines("alias"), ElementsAre("alias_num 0"));
     AliasFiles.Add({"/p/bär.alias", "b\xE4r", {}}).Entries.Add().Bone = "R\xFC";
     AliasFiles.Add({"/p/c.alias", "c", {}});
     const std::string dashes(32, '-');
-    EXPECT_THAT(Lines("alias"),
+    EXPECT_THAT(lines("alias"),
                 ElementsAre("alias_num 2", dashes, "/p/bär.alias", "bär", " Rü", dashes, "/p/c.alias", "c"));
-}
 
-TEST_F(Console, AnswersEverythingElse)
-{
+    EXPECT_THAT(lines("nosleep"), ElementsAre("Dedicated mode."));
+    EXPECT_TRUE(NoSleep);
     for (const char* input : {"help", " cam", " ", "cam\t", "camera", "nosleep;", "aliа"}) {
-        EXPECT_THAT(Lines(input), ElementsAre("Bad or unknown command...")) << input;
+        EXPECT_THAT(lines(input), ElementsAre("Bad or unknown command...")) << input;
     }
+    EXPECT_THAT(lines("NoSleep now"), ElementsAre("Efficiency mode."));
     EXPECT_FALSE(NoSleep);
 }

@@ -1,268 +1,164 @@
-#include <filesystem>
-#include <fstream>
-
 #include <GL/gl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
+#include "model/modBitmap.h"
 #include "model/modTexture.h"
 #include "modGLTexture.h"
 #include "modOpenGL.h"
 #include "modViewFlags.h"
 #include "support/bmp.h"
-#include "support/scripted.h"
+#include "support/fresh.h"
+#include "support/render_harness.h"
 
 using testing::ElementsAre;
-using testing::EndsWith;
-using testing::IsEmpty;
 using testing::Pair;
-using testing::StartsWith;
 
 namespace {
 
-class TheTextures : public testing::Test {
+class TheTextures : public FreshFolder {
 protected:
+    const std::string colors = bmp::TrueColors(4, 2, "abcdefghijklmnopqrstuvwx");
+    const std::string path = Folder / "c.bmp";
+    const std::string opacity = Folder / "o.bmp";
+
     void SetUp() override
     {
-        scripted::Reset();
         ResetViewFlags();
         GLContext = true;
-        // A folder for each test: several may run at the same time.
-        folder = testing::TempDir() + testing::UnitTest::GetInstance()->current_test_info()->name() + "/";
-        std::filesystem::remove_all(folder);
-        std::filesystem::create_directories(folder);
+        PutFile(path, colors);
+        PutFile(opacity, bmp::EightBits(4, 2, 256, bmp::Gray, "\1\2\3\4\5\6\7\x8"));
     }
-    void TearDown() override
-    {
-        FreeTextures();
-        std::filesystem::remove_all(folder);
-    }
+    void TearDown() override { FreeTextures(); }
 
-    /// Writes a file into the test's folder and gives its path.
-    std::string File(const std::string& name, const std::string& bytes) const
+    static GLint Parameter(GLenum name)
     {
-        std::filesystem::create_directories(std::filesystem::path(folder + name).parent_path());
-        std::ofstream(folder + name, std::ios::binary) << bytes;
-        return folder + name;
+        GLint value = 0;
+        glGetTexParameteriv(GL_TEXTURE_2D, name, &value);
+        return value;
     }
-
-    /// Adds a material and gives its number.
-    static int32_t Material(const std::string& colorMap, const std::string& opacityMap = {})
-    {
-        MvmMaterial material;
-        material.ColorMap = colorMap;
-        material.OpacityMap = opacityMap;
-        Materials.Add(material);
-        return MaterialCount();
-    }
-
-    std::string folder;
 };
-
-const std::string colors = bmp::TrueColors(4, 2, "abcdefghijklmnopqrstuvwx");
-const std::string opacity = bmp::EightBits(4, 2, 256, bmp::Gray, "\1\2\3\4\5\6\7\x8");
-
-GLint Parameter(GLenum name)
-{
-    GLint value = 0;
-    glGetTexParameteriv(GL_TEXTURE_2D, name, &value);
-    return value;
-}
-
-std::string LevelPixels(GLint level)
-{
-    GLint width = 0;
-    GLint height = 0;
-    glGetTexLevelParameteriv(GL_TEXTURE_2D, level, GL_TEXTURE_WIDTH, &width);
-    glGetTexLevelParameteriv(GL_TEXTURE_2D, level, GL_TEXTURE_HEIGHT, &height);
-    std::string pixels(4 * static_cast<size_t>(width) * static_cast<size_t>(height), '\0');
-    glGetTexImage(GL_TEXTURE_2D, level, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
-    return pixels;
-}
 
 } // namespace
 
-TEST_F(TheTextures, ReachOpenGLWithAllLevels)
+TEST_F(TheTextures, ReachOpenGLWithAllLevelsAndLeaveItTogether)
 {
-    ASSERT_EQ(LoadTexture(File("c.bmp", colors), File("o.bmp", opacity)), 1);
-    EXPECT_TRUE(Textures[1].HasOpacity);
-    glBindTexture(GL_TEXTURE_2D, Textures[1].GLTexture);
-    EXPECT_EQ(LevelPixels(0), "cba\1fed\2ihg\3lkj\4onm\5rqp\6uts\7xwv\x8");
-    EXPECT_EQ(LevelPixels(1).size(), 8U);
-    EXPECT_EQ(LevelPixels(2).size(), 4U);
-    EXPECT_EQ(Parameter(GL_TEXTURE_WRAP_S), GL_REPEAT);
-    EXPECT_EQ(Parameter(GL_TEXTURE_WRAP_T), GL_REPEAT);
-    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
-}
-
-TEST_F(TheTextures, GetAnEntryForEachLoadAndAreForgottenTogether)
-{
-    const std::string path = File("c.bmp", colors);
-    ASSERT_EQ(LoadTexture(path, ""), 1);
+    const int made = harness::MadeCurrent;
+    ASSERT_EQ(LoadTexture(path, opacity), 1);
     ASSERT_EQ(LoadTexture(path, ""), 2);
-    EXPECT_FALSE(Textures[2].HasOpacity);
+    EXPECT_TRUE(Textures[1].HasOpacity && !Textures[2].HasOpacity);
     const GLuint names[] = {Textures[1].GLTexture, Textures[2].GLTexture};
-    EXPECT_NE(names[0], names[1]);
-    EXPECT_TRUE(IsValidTexture(1) && IsValidTexture(2));
-    EXPECT_FALSE(IsValidTexture(0) || IsValidTexture(3) || IsValidTexture(-1));
+    glBindTexture(GL_TEXTURE_2D, names[0]);
+    std::string pixels(32, '\0');
+    glGetTexImage(GL_TEXTURE_2D, 0, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+    EXPECT_EQ(pixels, "cba\1fed\2ihg\3lkj\4onm\5rqp\6uts\7xwv\x8");
+    GLint width = 0;
+    glGetTexLevelParameteriv(GL_TEXTURE_2D, 2, GL_TEXTURE_WIDTH, &width);
+    EXPECT_EQ(width, 1);
     FreeTextures();
-    EXPECT_EQ(TextureCount(), 0);
-    EXPECT_FALSE(IsValidTexture(1));
+    EXPECT_EQ(harness::MadeCurrent, made + 4);
     EXPECT_FALSE(glIsTexture(names[0]) || glIsTexture(names[1]));
+
+    uint32_t name = 0;
+    EXPECT_FALSE(MakeGLTexture({}, &name, &Error)); // OpenGL makes no empty picture
+    EXPECT_EQ(Error, "invalid value");
+    EXPECT_FALSE(glIsTexture(name));
+    GLContext = false; // entries still count
+    ASSERT_EQ(LoadTexture(path, ""), 1);
+    EXPECT_EQ(Textures[1].GLTexture, 0U);
 }
 
-TEST_F(TheTextures, AreFoundWhereTheModelSaysOrBesideIt)
+TEST_F(TheTextures, AreFoundWhereTheModelSaysOrBesideItAndAreMissedAlone)
 {
-    File("Bark.bmp", colors);
-    File("sub/deep.bmp", colors);
-    File("H\xC3\xA4ut.bmp", colors);
-    File("UPPER.BMP", bmp::Header(3, 3, 24, 0));
-    File("upper.bmp", colors);
-    for (const std::string& map : {
-             folder + "Bark.bmp",
-             std::string("Bark.bmp"),
-             std::string("C:\\Art\\Bark.bmp"),
-             std::string("art/Bark.bmp"),
-             std::string("TEX\\bARK.BMP"),
-             std::string("tex/BARK.bmp"),
-             folder + "sub\\deep.bmp",
-             std::string("H\xE4ut.bmp"),
-             std::string("upper.bmp"),
-         }) {
-        scripted::Reset();
-        Material(map);
-        LoadTextures(folder + "model.mvm");
-        EXPECT_EQ(Materials[1].Texture, 1) << map;
-        EXPECT_THAT(scripted::Log, IsEmpty()) << map;
+    std::filesystem::create_directories(Folder / "sub/folder.bmp");
+    for (const char* name : {"Bark.bmp", "sub/deep.bmp", "H\xC3\xA4ut.bmp", "upper.bmp"}) {
+        PutFile(Folder / name, colors);
     }
-}
-
-TEST_F(TheTextures, ThatAreMissingGoToTheLogAndChangeNothingElse)
-{
-    File("c.bmp", colors);
-    std::filesystem::create_directories(folder + "folder.bmp");
-    Materials[Material("old\\H\xE4ut.bmp", "alpha.bmp")].Texture = 7;
-    Material("c.bmp", "alpha.bmp");
-    Material("folder.bmp");
-    Material("ends\\");
-    Material("");
-    Materials[5].Texture = 3;
-    LoadTextures(folder);
-    EXPECT_THAT(scripted::Log, ElementsAre("Texture \"old\\H\xC3\xA4ut.bmp\" not found.",
-                                           "Texture \"alpha.bmp\" not found.", "Texture \"alpha.bmp\" not found.",
-                                           "Texture \"folder.bmp\" not found.", "Texture \"ends\\\" not found."));
-    EXPECT_EQ(Materials[1].Texture, 7);
-    EXPECT_EQ(Materials[2].Texture, 1);
-    EXPECT_FALSE(Textures[1].HasOpacity);
-    EXPECT_EQ(Materials[3].Texture, 0);
-    EXPECT_EQ(Materials[5].Texture, 3);
-    EXPECT_THAT(scripted::Messages, IsEmpty());
-}
-
-TEST_F(TheTextures, ThatFailDoNotStopTheOthers)
-{
-    const std::string cut = File("cut.bmp", colors.substr(0, colors.size() - 1));
-    const std::string three = File("three.bmp", bmp::Header(3, 4, 24, 0));
-    const std::string narrow = File("narrow.bmp", bmp::Header(2, 2, 8, 256));
-    const std::string good = File("good.bmp", colors);
-    for (const char* const name : {"cut.bmp", "three.bmp", "good.bmp"}) {
-        Materials[Material(name)].Texture = 9;
+    PutFile(Folder / "UPPER.BMP", bmp::Header(3, 3, 24, 0));
+    PutFile(Folder / "cut.bmp", colors.substr(0, 60));
+    PutFile(Folder / "empty.bmp", "");
+    const struct {
+        std::string ColorMap, OpacityMap;
+        int16_t Texture;
+    } rows[] = {
+        {Folder / "Bark.bmp", "", 1},
+        {"Bark.bmp", "o.bmp", 2},
+        {"C:\\Art\\Bark.bmp", "", 3},
+        {"TEX\\bARK.BMP", "", 4},
+        {Folder / "sub\\deep.bmp", "", 5},
+        {"H\xE4ut.bmp", "", 6},
+        {"upper.bmp", "", 7},
+        {"old\\Gr\xE4u.bmp", "alpha.bmp", 99},
+        {Folder / "sub\\folder.bmp", "", 99},
+        {"ends\\", "", 99},
+        {"", "", 99},
+        {"cut.bmp", "", 0},
+        {"UPPER.BMP", "", 0},
+        {"c.bmp", "alpha.bmp", 8},
+        {"c.bmp", "empty.bmp", 0}, // an opacity map that cannot be read loses the colours too
+    };
+    for (const auto& row : rows) {
+        MvmMaterial& material = Materials.Add();
+        material.ColorMap = row.ColorMap;
+        material.OpacityMap = row.OpacityMap;
+        material.Texture = 99;
     }
-    Materials[Material("good.bmp", "narrow.bmp")].Texture = 9;
-    LoadTextures(folder);
-    EXPECT_EQ(Materials[1].Texture, 0);
-    EXPECT_EQ(Materials[2].Texture, 0);
-    EXPECT_EQ(Materials[3].Texture, 1);
-    EXPECT_EQ(Materials[4].Texture, 0) << "an opacity map that does not fit loses the colours too";
-    EXPECT_EQ(TextureCount(), 1);
-
-    ASSERT_EQ(scripted::Messages.size(), 1U);
+    LoadTextures(Folder / "model.mvm");
+    for (int32_t i = 1; i <= MaterialCount(); ++i) {
+        EXPECT_EQ(Materials[i].Texture, rows[i - 1].Texture) << rows[i - 1].ColorMap;
+    }
+    EXPECT_TRUE(Textures[2].HasOpacity && !Textures[8].HasOpacity);
+    const auto line = [](const std::string& name) { return "Texture \"" + name + "\" not found."; };
+    EXPECT_THAT(scripted::Log,
+                ElementsAre(line("old\\Gr\xC3\xA4u.bmp"), line("alpha.bmp"), line(Folder / "sub\\folder.bmp"),
+                            line("ends\\"), testing::HasSubstr("UPPER.BMP"), line("alpha.bmp")));
+    ASSERT_EQ(scripted::Messages.size(), 2U);
     EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Stop);
-    EXPECT_THAT(scripted::Messages[0].Text, StartsWith("Runtime error in LoadTexture\n"));
+    EXPECT_THAT(scripted::Messages[0].Text, testing::StartsWith("Runtime error in LoadTexture\n"));
     EXPECT_THAT(scripted::Messages[0].Text,
-                EndsWith(".\n\"" + cut + "\"\r\nMake sure your textures have power-of-two dimensions!"));
-    EXPECT_THAT(scripted::Log, ElementsAre("Bitmap \"" + three + "\" does not have power of two dimensions.",
-                                           "Texture \"" + narrow + "\" width does not match \"" + good + "\"."));
-    EXPECT_THAT(scripted::Progress, ElementsAre(Pair(4, 1), Pair(4, 2), Pair(4, 3), Pair(4, 4)));
+                testing::EndsWith(".\n\"" + Folder.Path +
+                                  "cut.bmp\"\r\nMake sure your textures have power-of-two dimensions!"));
+    EXPECT_THAT(scripted::Messages[1].Text,
+                testing::HasSubstr("\n\"" + path + "\"\r\n")); // not that of the opacity map
+    EXPECT_EQ(scripted::Progress.size(), 15U);
+    EXPECT_THAT(scripted::Progress.back(), Pair(15, 15));
     EXPECT_THAT(scripted::Panels, ElementsAre(Pair("toolhelp", "Loading textures..."), Pair("toolhelp", "Ready...")));
-}
-
-TEST_F(TheTextures, ThatNameAnUnreadableOpacityMapFailUnderTheNameOfTheColors)
-{
-    const std::string path = File("c.bmp", colors);
-    EXPECT_EQ(LoadTexture(path, folder + "gone.bmp"), 0);
-    ASSERT_EQ(scripted::Messages.size(), 1U);
-    EXPECT_THAT(scripted::Messages[0].Text, testing::HasSubstr("\n\"" + path + "\"\r\n"));
-    EXPECT_EQ(TextureCount(), 0);
 }
 
 TEST_F(TheTextures, AreBoundWithThePresentFilters)
 {
-    File("c.bmp", colors);
-    File("o.bmp", opacity);
-    Material("c.bmp");
-    Material("c.bmp", "o.bmp");
-    LoadTextures(folder);
-
-    BindTexture(1);
-    GLint bound = 0;
-    glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
-    EXPECT_EQ(static_cast<GLuint>(bound), Textures[1].GLTexture);
-    EXPECT_TRUE(glIsEnabled(GL_TEXTURE_2D));
-    EXPECT_FALSE(glIsEnabled(GL_ALPHA_TEST));
-    EXPECT_EQ(Parameter(GL_TEXTURE_MIN_FILTER), GL_LINEAR_MIPMAP_NEAREST);
-    EXPECT_EQ(Parameter(GL_TEXTURE_MAG_FILTER), GL_LINEAR);
-
-    FilterTextures = false;
-    BindTexture(2);
-    EXPECT_TRUE(glIsEnabled(GL_ALPHA_TEST));
-    EXPECT_EQ(Parameter(GL_TEXTURE_MIN_FILTER), GL_NEAREST);
-    EXPECT_EQ(Parameter(GL_TEXTURE_MAG_FILTER), GL_NEAREST);
-
-    for (const int16_t index : {int16_t{0}, int16_t{3}, int16_t{-1}}) {
+    LoadTexture(path, "");
+    LoadTexture(path, opacity);
+    for (const bool filter : {true, false, true}) {
+        FilterTextures = filter;
+        for (int16_t index = 1; index <= 2; ++index) {
+            BindTexture(index);
+            GLint bound = 0;
+            glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
+            EXPECT_EQ(static_cast<GLuint>(bound), Textures[index].GLTexture);
+            EXPECT_TRUE(glIsEnabled(GL_TEXTURE_2D));
+            EXPECT_EQ(glIsEnabled(GL_ALPHA_TEST), index == 2);
+            EXPECT_EQ(Parameter(GL_TEXTURE_MIN_FILTER), filter ? GL_LINEAR_MIPMAP_NEAREST : GL_NEAREST);
+            EXPECT_EQ(Parameter(GL_TEXTURE_MAG_FILTER), filter ? GL_LINEAR : GL_NEAREST);
+        }
+    }
+    for (const int index : {0, 3, -1, 2}) {
+        ViewTextures = true;
         BindTexture(2);
-        BindTexture(index);
+        ViewTextures = index != 2;
+        BindTexture(static_cast<int16_t>(index));
         EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D) || glIsEnabled(GL_ALPHA_TEST)) << index;
     }
-    BindTexture(2);
-    ViewTextures = false;
-    BindTexture(2);
-    EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D) || glIsEnabled(GL_ALPHA_TEST));
 }
 
-TEST_F(TheTextures, AreCountedButNotMadeWithoutAContext)
+TEST_F(TheTextures, StopAtTheLargestNumberAndWhenTheLoadIsToStop)
 {
-    GLContext = false;
-    File("c.bmp", colors);
-    Material("c.bmp");
-    Material("none.bmp");
-    LoadTextures(folder);
-    EXPECT_EQ(Materials[1].Texture, 1);
-    EXPECT_EQ(Textures[1].GLTexture, 0U);
-    EXPECT_EQ(scripted::Log.size(), 1U);
-    FreeTextures();
-    EXPECT_EQ(TextureCount(), 0);
-    GLContext = true;
-}
-
-TEST_F(TheTextures, StopAtTheLargestNumber)
-{
-    Textures.Items.resize(32766);
-    const std::string path = File("c.bmp", colors);
-    EXPECT_EQ(LoadTexture(path, ""), 32767);
-    EXPECT_EQ(LoadTexture(path, ""), 0);
-    EXPECT_EQ(TextureCount(), 32767);
-    EXPECT_EQ(scripted::Log.size(), 1U);
-}
-
-TEST_F(TheTextures, AreNotLoadedOnceTheLoadIsToStop)
-{
-    File("c.bmp", colors);
-    Material("c.bmp");
+    Materials.Add().ColorMap = "c.bmp";
     StopRequested = true;
-    LoadTextures(folder);
+    LoadTextures(Folder.Path);
     EXPECT_EQ(TextureCount(), 0);
     EXPECT_EQ(scripted::Panel("toolhelp"), "Ready...");
+    Textures.Items.resize(32766);
+    EXPECT_EQ(LoadTexture(path, ""), 32767);
+    EXPECT_EQ(LoadTexture(path, ""), 0);
+    EXPECT_EQ(scripted::Log.size(), 1U);
 }
