@@ -1,6 +1,5 @@
 #include "modGLTexture.h"
 
-#include <algorithm>
 #include <limits>
 
 #include <GL/gl.h>
@@ -24,13 +23,7 @@ void SetFilters(GLint minify, GLint magnify)
 
 int32_t LargestTextureSide()
 {
-    constexpr GLint everyDriverHas = 64;
-    GLint side = std::numeric_limits<GLint>::max();
-    if (GLContext) {
-        MakeViewCurrent();
-        glGetIntegerv(GL_MAX_TEXTURE_SIZE, &side);
-    }
-    return std::max(side, everyDriverHas);
+    return GLContext ? MaxTextureSide : std::numeric_limits<int32_t>::max();
 }
 
 bool MakeGLTexture(const Bitmap& bitmap, uint32_t* name, std::string* error)

@@ -211,6 +211,7 @@ bool InitOpenGL()
     AlphaReference = 0.5F;
     SetBaseState();
     CameraLabels = labelResource;
+    glGetIntegerv(GL_MAX_TEXTURE_SIZE, &MaxTextureSide);
     GLContext = true;
     return true;
 }

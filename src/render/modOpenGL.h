@@ -10,6 +10,7 @@
 inline bool GLContext = false; ///< a context stands
 inline int32_t ViewWidth = 1;  ///< size of the view in device pixels
 inline int32_t ViewHeight = 1;
+inline int32_t MaxTextureSide = 64; ///< of a picture that the context takes; 64 is what every driver takes
 inline std::array<uint8_t, 10240> CameraLabels{}; ///< eight images of 80 by 16 bytes, bottom row first
 
 /// Sets the state that holds for the life of the current context and fills CameraLabels. False when the context lacks

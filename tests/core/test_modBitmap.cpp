@@ -131,6 +131,8 @@ TEST_F(ABitmap, IsFoundAsGivenThenBesideTheModelInAnyCase)
         {Folder / "sub\\deep.bmp", ".hidden.bmp", "Log: Texture \".hidden.bmp\" not found.\n", 1, false},
         {"deep\xE4.bmp", "", "Log: Texture \"deep\u00E4.bmp\" not found.\n", 7, false},
         {"", "Alpha.BMP", "", 7, false},
+        {Folder / "sub", "", "Log: Texture \"" + (Folder / "sub") + "\" not found.\n", 7, false},
+        {"ends\\", "", "Log: Texture \"ends\\\" not found.\n", 7, false},
         {"Hide.bmp", "a/cut.bmp", "Log: Texture \"" + (Folder / "cut.bmp") + "\" is not 8-bit.\n", 0, false}};
     for (const auto& [color, opacity, log, texture, hasOpacity] : cases) {
         scripted::Reset();

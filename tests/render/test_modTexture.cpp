@@ -10,9 +10,6 @@
 #include "support/fresh.h"
 #include "support/render_harness.h"
 
-using testing::ElementsAre;
-using testing::Pair;
-
 namespace {
 
 class TheTextures : public FreshFolder {
@@ -67,63 +64,6 @@ TEST_F(TheTextures, ReachOpenGLWithAllLevelsAndLeaveItTogether)
     EXPECT_EQ(Textures[1].GLTexture, 0U);
 }
 
-TEST_F(TheTextures, AreFoundWhereTheModelSaysOrBesideItAndAreMissedAlone)
-{
-    std::filesystem::create_directories(Folder / "sub/folder.bmp");
-    for (const char* name : {"Bark.bmp", "sub/deep.bmp", "H\xC3\xA4ut.bmp", "upper.bmp"}) {
-        PutFile(Folder / name, colors);
-    }
-    PutFile(Folder / "UPPER.BMP", bmp::Header(3, 3, 24, 0));
-    PutFile(Folder / "cut.bmp", colors.substr(0, 60));
-    PutFile(Folder / "empty.bmp", "");
-    const struct {
-        std::string ColorMap, OpacityMap;
-        int16_t Texture;
-    } rows[] = {
-        {Folder / "Bark.bmp", "", 1},
-        {"Bark.bmp", "o.bmp", 2},
-        {"C:\\Art\\Bark.bmp", "", 3},
-        {"TEX\\bARK.BMP", "", 4},
-        {Folder / "sub\\deep.bmp", "", 5},
-        {"H\xE4ut.bmp", "", 6},
-        {"upper.bmp", "", 7},
-        {"old\\Gr\xE4u.bmp", "alpha.bmp", 99},
-        {Folder / "sub\\folder.bmp", "", 99},
-        {"ends\\", "", 99},
-        {"", "", 99},
-        {"cut.bmp", "", 0},
-        {"UPPER.BMP", "", 0},
-        {"c.bmp", "alpha.bmp", 8},
-        {"c.bmp", "empty.bmp", 0}, // an opacity map that cannot be read loses the colours too
-    };
-    for (const auto& row : rows) {
-        MvmMaterial& material = Materials.Add();
-        material.ColorMap = row.ColorMap;
-        material.OpacityMap = row.OpacityMap;
-        material.Texture = 99;
-    }
-    LoadTextures(Folder / "model.mvm");
-    for (int32_t i = 1; i <= MaterialCount(); ++i) {
-        EXPECT_EQ(Materials[i].Texture, rows[i - 1].Texture) << rows[i - 1].ColorMap;
-    }
-    EXPECT_TRUE(Textures[2].HasOpacity && !Textures[8].HasOpacity);
-    const auto line = [](const std::string& name) { return "Texture \"" + name + "\" not found."; };
-    EXPECT_THAT(scripted::Log,
-                ElementsAre(line("old\\Gr\xC3\xA4u.bmp"), line("alpha.bmp"), line(Folder / "sub\\folder.bmp"),
-                            line("ends\\"), testing::HasSubstr("UPPER.BMP"), line("alpha.bmp")));
-    ASSERT_EQ(scripted::Messages.size(), 2U);
-    EXPECT_EQ(scripted::Messages[0].Icon, BoxIcon::Stop);
-    EXPECT_THAT(scripted::Messages[0].Text, testing::StartsWith("Runtime error in LoadTexture\n"));
-    EXPECT_THAT(scripted::Messages[0].Text,
-                testing::EndsWith(".\n\"" + Folder.Path +
-                                  "cut.bmp\"\r\nMake sure your textures have power-of-two dimensions!"));
-    EXPECT_THAT(scripted::Messages[1].Text,
-                testing::HasSubstr("\n\"" + path + "\"\r\n")); // not that of the opacity map
-    EXPECT_EQ(scripted::Progress.size(), 15U);
-    EXPECT_THAT(scripted::Progress.back(), Pair(15, 15));
-    EXPECT_THAT(scripted::Panels, ElementsAre(Pair("toolhelp", "Loading textures..."), Pair("toolhelp", "Ready...")));
-}
-
 TEST_F(TheTextures, AreBoundWithThePresentFilters)
 {
     LoadTexture(path, "");
@@ -148,17 +88,4 @@ TEST_F(TheTextures, AreBoundWithThePresentFilters)
         BindTexture(static_cast<int16_t>(index));
         EXPECT_FALSE(glIsEnabled(GL_TEXTURE_2D) || glIsEnabled(GL_ALPHA_TEST)) << index;
     }
-}
-
-TEST_F(TheTextures, StopAtTheLargestNumberAndWhenTheLoadIsToStop)
-{
-    Materials.Add().ColorMap = "c.bmp";
-    StopRequested = true;
-    LoadTextures(Folder.Path);
-    EXPECT_EQ(TextureCount(), 0);
-    EXPECT_EQ(scripted::Panel("toolhelp"), "Ready...");
-    Textures.Items.resize(32766);
-    EXPECT_EQ(LoadTexture(path, ""), 32767);
-    EXPECT_EQ(LoadTexture(path, ""), 0);
-    EXPECT_EQ(scripted::Log.size(), 1U);
 }
