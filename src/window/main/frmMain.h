@@ -8,6 +8,7 @@
 #include <QListWidget>
 #include <QMainWindow>
 #include <QPoint>
+#include <QTimer>
 
 #include "app/modFrontEnd.h"
 
@@ -198,6 +199,8 @@ private:
     void BuildPanel();
     void ConnectCommands();
     void SetAccess();
+    /// Keeps unsaved changes when the system ends the program or the session.
+    void WatchForEnd();
     /// Takes what hangs on the desktop's colours anew.
     void FollowTheme();
     void EnableDocument(bool open, bool revert);
@@ -215,7 +218,8 @@ private:
     [[nodiscard]] bool EndAfterStop();
 
     int busyDepth = 0;
-    int32_t shownVertex = 0;           ///< the one that U or N has brought to the middle
+    int32_t shownVertex = 0; ///< the one that U or N has brought to the middle
+    QTimer jointRelease;
     float jointStartX = 0;             ///< where the mouse was when the try of a joint began
     std::vector<QAction*> heldEntries; ///< entries disabled by BeginBusy
     QWidget* heldFocus = nullptr;      ///< control that lost the focus to BeginBusy

@@ -336,6 +336,8 @@ void frmMain::ConnectCommands()
     for (auto* button : fraEditing->findChildren<QPushButton*>() + fraViewing->findChildren<QPushButton*>()) {
         button->installEventFilter(this);
     }
+    jointRelease.setSingleShot(true);
+    connect(&jointRelease, &QTimer::timeout, this, [this] { EndTryJoint(); });
     tabMain->tabBar()->installEventFilter(this);
     picMain->installEventFilter(this);
     mnuViewCamera->installEventFilter(this);

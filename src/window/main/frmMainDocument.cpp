@@ -13,6 +13,7 @@
 #include "model/modDocument.h"
 #include "model/modMvmBind.h"
 #include "model/modMvmRead.h"
+#include "model/modRescue.h"
 #include "weights/modBoneAlias.h"
 #include "weights/modEdit.h"
 
@@ -66,6 +67,9 @@ void frmMain::OpenFile(const std::string& filename)
         FillBoneLists();
         SetCaption(CurrentFile);
         EnableDocument(true, true);
+        if (FileExists(RescuePath(filename))) {
+            LogLine("Changes that were not saved when the program was ended lie in \"" + RescuePath(filename) + "\".");
+        }
         if (LogDirty) {
             ShowInfoLog();
         }

@@ -16,12 +16,14 @@
 #include "modCommand.h"
 #include "modConsole.h"
 #include "modDrag.h"
+#include "modTryJoint.h"
 #include "modViewFlags.h"
 
 namespace {
 
 constexpr int32_t codeCtrl = 17;
 constexpr int32_t codeF11 = 122;
+constexpr int longestRepeatGap = 60; ///< milliseconds from the release of a repetition to its press
 constexpr int32_t codePageUp = 33;
 constexpr int32_t codePageDown = 34;
 
@@ -170,7 +172,11 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event)
     case QEvent::KeyPress: {
         const auto* key = static_cast<QKeyEvent*>(event);
         const int32_t code = CodeOf(*key);
-        if (watched == picMain && code == 'D' && !CtrlHeld && !key->isAutoRepeat()) {
+        if (code == 'D' && TryingJoint) {
+            jointRelease.stop();
+            return true; // each repetition would ask for a frame of its own
+        }
+        if (code == 'D' && !CtrlHeld) {
             Perform("BeginTryJoint", [this] { BeginTryJoint(); });
         }
         if (key->key() == Qt::Key_Escape) {
@@ -182,10 +188,11 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event)
     }
     case QEvent::KeyRelease:
         // A held key repeats as releases too, though the finger has not left it.
-        if (watched == picMain && !static_cast<QKeyEvent*>(event)->isAutoRepeat()) {
-            CtrlHeld = false;
-            if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_D) {
-                EndTryJoint();
+        if (!static_cast<QKeyEvent*>(event)->isAutoRepeat()) {
+            CtrlHeld = CtrlHeld && watched != picMain;
+            if (CodeOf(*static_cast<QKeyEvent*>(event)) == 'D') {
+                // A held key can repeat as releases that do not tell so; the press that follows one stops the timer.
+                jointRelease.start(longestRepeatGap);
             }
         }
         return false;

@@ -1,3 +1,5 @@
+#include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <utility>
 
@@ -7,17 +9,22 @@
 #include <QListWidget>
 #include <QOpenGLWidget>
 #include <QScreen>
+#include <QSessionManager>
+#include <QSocketNotifier>
 #include <QWindow>
 
 #include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
+#include "app/modUndo.h"
 #include "dialogs/frmLog.h"
 #include "main/frmMain.h"
 #include "main/modApp.h"
 #include "modCommand.h"
+#include "model/modRescue.h"
 #include "modEvents.h"
 #include "modFiles.h"
 #include "modOpenGL.h"
+#include "modSignals.h"
 #include "weights/modEdit.h"
 
 namespace {
@@ -35,7 +42,49 @@ void WaitUntilShown(const QWindow& window)
     PumpEvents();
 }
 
+/// Keeps what would be lost, and says where on the only channel that is sure to be left.
+void Rescue()
+{
+    std::string path;
+    std::string error;
+    if (!RescueModel(&path, &error)) {
+        std::fprintf(stderr, "beastwright: The changes could not be written to \"%s\": %s\n", path.c_str(),
+                     error.c_str());
+    } else if (!path.empty()) {
+        std::fprintf(stderr, "beastwright: The unsaved changes are in \"%s\".\n", path.c_str());
+    }
+}
+
 } // namespace
+
+void frmMain::WatchForEnd()
+{
+    const int signals = CatchEndSignals();
+    if (signals >= 0) {
+        auto* notifier = new QSocketNotifier(signals, QSocketNotifier::Read, this);
+        connect(notifier, &QSocketNotifier::activated, this, [] {
+            if (const int number = TakeEndSignal(); number != 0) {
+                Rescue();
+                // Dialogs and long operations may be on the way here, and none of them must go on.
+                std::_Exit(128 + number);
+            }
+        });
+    }
+    connect(qGuiApp, &QGuiApplication::commitDataRequest, this, [this](QSessionManager& session) {
+        if (!ModelOpen || !IsSceneChanged()) {
+            return;
+        }
+        if (!session.allowsInteraction()) {
+            Rescue();
+            return;
+        }
+        const bool leave = QApplication::activeModalWidget() == nullptr && !Busy() && ConfirmDiscard();
+        session.release();
+        if (!leave) {
+            session.cancel();
+        }
+    });
+}
 
 void frmMain::Start(const std::string& commandLine)
 {
@@ -66,6 +115,7 @@ void frmMain::Start(const std::string& commandLine)
     FitFrame();
     PumpEvents();
     setUpdatesEnabled(true);
+    WatchForEnd();
     if (!unloaded) {
         Perform("OpenFile", [&] { OpenCommandLine(commandLine); });
     }

@@ -1,0 +1,145 @@
+// The keys for work that goes over many vertices, on the real window.
+#include <gmock/gmock.h>
+
+#include <QLabel>
+
+#include "app/modMvmDef.h"
+#include "modCamera.h"
+#include "modDrag.h"
+#include "modPick.h"
+#include "modTryJoint.h"
+#include "modViewFlags.h"
+#include "support/scene_bytes.h"
+#include "support/ui_window.h"
+#include "weights/modEdit.h"
+
+namespace {
+
+class EditKeys : public testing::Test {
+protected:
+    EditKeys()
+    {
+        PutFile(Folder / "ball.mvm", BallModel(8));
+        window = std::make_unique<UiWindow>(Folder / "ball.mvm");
+        window->Edit(1);
+        Middle = QPoint((*window)->picMain->width() / 2, (*window)->picMain->height() / 2);
+    }
+    frmMain& Form() { return **window; }
+    /// Moves the pointer, and waits until the view knows.
+    void PointAt(QPoint place)
+    {
+        QTest::mouseMove(Form().picMain, place);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return MouseLastX == static_cast<float>(place.x()); }));
+    }
+    std::string Press(Qt::Key key)
+    {
+        QTest::keyClick(Form().picMain, key);
+        return Form().panels[0]->text().toStdString();
+    }
+    TempFolder Folder;
+    std::unique_ptr<UiWindow> window;
+    QPoint Middle;
+};
+
+} // namespace
+
+TEST_F(EditKeys, UBringsUnassignedVerticesToTheMiddle)
+{
+    for (const int16_t camera : {int16_t{1}, int16_t{2}, int16_t{5}, int16_t{7}}) {
+        Form().SetCamera(camera);
+        UnassignAll(SkinMesh);
+        const std::string said = Press(Qt::Key_U);
+        ViewCullVerts = false;
+        const int32_t vertex = VertexAt(SkinMesh, Middle.x(), Middle.y());
+        ASSERT_NE(vertex, 0);
+        const Vec3& shown = Meshes[SkinMesh].Vertices[std::stoi(said.substr(7))];
+        ViewCamera seen = Cameras.at(static_cast<size_t>(camera));
+        CentreOn(shown);
+        EXPECT_EQ(seen.Position.X, Cameras.at(static_cast<size_t>(camera)).Position.X);
+        ViewCullVerts = true;
+    }
+    const auto count = std::to_string(Meshes[SkinMesh].VertexCount());
+    EXPECT_EQ(Press(Qt::Key_U), "Vertex 5 of Body; " + count + " unassigned.");
+    Meshes[SkinMesh].VertexBones[6] = 1;
+    EXPECT_THAT(Press(Qt::Key_U), testing::StartsWith("Vertex 7 of Body; "));
+    ReplaceBone(SkinMesh, 0, 1);
+    EXPECT_EQ(Press(Qt::Key_U), "No vertex of Body is unassigned.");
+}
+
+TEST_F(EditKeys, ETakesTheBoneUnderThePointer)
+{
+    ReplaceBone(SkinMesh, 0, 3);
+    CentreOn(Meshes[SkinMesh].Vertices[1]);
+    ViewCullVerts = false;
+    PointAt(Middle);
+    const std::string said = Press(Qt::Key_E);
+    EXPECT_EQ(ActiveBone, 3);
+    const int32_t vertex = std::stoi(said.substr(7));
+    EXPECT_EQ(said, "Vertex " + std::to_string(vertex) + " of Body: " + BoneLabel(3) + ".");
+    EXPECT_EQ(Form().lstSkinBones->currentRow(), 3);
+    Meshes[SkinMesh].VertexBones[vertex] = 0;
+    EXPECT_EQ(Press(Qt::Key_E), "Vertex " + std::to_string(vertex) + " of Body has no bone.");
+    EXPECT_EQ(ActiveBone, 0);
+    PointAt({3, 3});
+    EXPECT_EQ(Press(Qt::Key_E), "There is no vertex under the pointer.");
+    ViewCullVerts = true;
+}
+
+TEST_F(EditKeys, PageKeysStepThroughTheShownList)
+{
+    Press(Qt::Key_PageDown);
+    EXPECT_EQ(ActiveBone, 2);
+    EXPECT_EQ(Press(Qt::Key_PageUp), "Active bone: " + BoneLabel(1));
+    Press(Qt::Key_PageUp);
+    Press(Qt::Key_PageUp);
+    EXPECT_EQ(ActiveBone, 0);
+}
+
+TEST_F(EditKeys, GPassesOverVerticesWithABone)
+{
+    ReplaceBone(SkinMesh, 0, 2);
+    Meshes[SkinMesh].VertexBones[1] = 0;
+    ViewCullVerts = false;
+    EXPECT_EQ(Press(Qt::Key_G), "Picks take only vertices without a bone.");
+    Form().SetCamera(2);
+    QTest::mousePress(Form().picMain, Qt::LeftButton, {}, {2, 2});
+    QTest::mouseRelease(Form().picMain, Qt::LeftButton, {}, Middle * 2 - QPoint(2, 2));
+    const int32_t count = Meshes[SkinMesh].VertexCount();
+    EXPECT_EQ(Form().panels[0]->text().toStdString(),
+              "Only vertices without a bone: 1 taken, " + std::to_string(count - 1) + " passed over.");
+    EXPECT_EQ(CountBoneVerts(SkinMesh, 1), 1);
+    EXPECT_EQ(Press(Qt::Key_G), "Picks take all vertices.");
+    ViewCullVerts = true;
+}
+
+TEST_F(EditKeys, NShowsSlips)
+{
+    ReplaceBone(SkinMesh, 0, 2);
+    EXPECT_EQ(Press(Qt::Key_N), "No vertex of Body stands alone among other bones.");
+    Meshes[SkinMesh].VertexBones[30] = 3;
+    EXPECT_EQ(Press(Qt::Key_N), "Vertex 30 of Body: " + BoneLabel(3) + " among " + BoneLabel(2) + "; 1 such vertex.");
+}
+
+TEST_F(EditKeys, DTurnsAJointForTheEyeAlone)
+{
+    ReplaceBone(SkinMesh, 0, 1);
+    const std::string before = SceneBytes();
+    const auto picture = [this] { return Form().picMain->grab().toImage(); };
+    const QImage still = picture();
+    PointAt(Middle);
+    QTest::keyPress(Form().picMain, Qt::Key_D);
+    PointAt(Middle + QPoint(80, 0));
+    EXPECT_EQ(JointAngle, 10);
+    EXPECT_EQ(Form().panels[0]->text().toStdString(), BoneLabel(1) + " turned by 10.0 degrees.");
+    EXPECT_NE(picture(), still);
+    EXPECT_EQ(SceneBytes(), before);
+    QTest::keyRelease(Form().picMain, Qt::Key_D); // as a key that repeats
+    QTest::keyPress(Form().picMain, Qt::Key_D);
+    EXPECT_TRUE(TryingJoint);
+    QTest::keyRelease(Form().picMain, Qt::Key_D);
+    ASSERT_TRUE(QTest::qWaitFor([] { return !TryingJoint; }));
+    EXPECT_EQ(picture(), still);
+    SetActiveBone(0);
+    EXPECT_EQ(Press(Qt::Key_D), "Choose a bone to try its joint.");
+    EXPECT_FALSE(TryingJoint);
+}
