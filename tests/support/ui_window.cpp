@@ -5,13 +5,11 @@
 #include <numbers>
 #include <sstream>
 
-#include <QDialog>
-#include <QFileDialog>
-#include <QLineEdit>
+#include <QAction>
 #include <QListWidget>
-#include <QMessageBox>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QWheelEvent>
 
 #include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
@@ -19,15 +17,20 @@
 #include "modSession.h"
 #include "modViewFlags.h"
 
-UiWindow::UiWindow(const std::string& commandLine)
+UiWindow::UiWindow(const std::string& model)
 {
     ResetSession();
     ResetDrag();
     ResetViewFlags();
-    LogDirty = false;
-    StopRequested = false;
+    TestFolder = Folder.Path;
+    std::string commandLine = model;
+    if (model.find('\n') != std::string::npos) {
+        commandLine = Folder / "a.mvm";
+        PutFile(commandLine, model);
+    }
     window = std::make_unique<frmMain>();
     window->Start(commandLine);
+    window->picMain->installEventFilter(this);
 }
 
 UiWindow::~UiWindow()
@@ -40,12 +43,44 @@ UiWindow::~UiWindow()
     ResetSession();
 }
 
+bool UiWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    Frames += event->type() == QEvent::Paint ? 1 : 0;
+    return QObject::eventFilter(watched, event);
+}
+
+void UiWindow::Settle()
+{
+    QCoreApplication::processEvents();
+    window->repaint();
+    Frames = 0;
+}
+
+void UiWindow::Do(const std::string& trigger, std::deque<Step> dialogs) const
+{
+    const Script script(std::move(dialogs));
+    const std::string last = trigger.substr(trigger.rfind(' ') + 1);
+    if (trigger.starts_with("mnu")) {
+        window->Entry(trigger.c_str())->trigger();
+    } else if (trigger.starts_with("key ")) {
+        const QKeyCombination keys = QKeySequence(QString::fromStdString(last))[0];
+        QTest::keyClick(window->picMain, keys.key(), keys.keyboardModifiers());
+    } else if (trigger.starts_with("tab ")) {
+        QTabBar* tabs = window->tabMain->tabBar();
+        QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(std::stoi(last)).center());
+    } else if (trigger.starts_with("row ")) {
+        const QListWidget* list = window->ListOf(window->lstShadowBones->isVisible() ? 1 : 0);
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                          list->visualItemRect(list->item(std::stoi(last))).center());
+    } else {
+        Press(&*window, trigger);
+    }
+}
+
 void UiWindow::Edit(int row) const
 {
-    QTabBar* tabs = window->tabMain->tabBar();
-    QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(1).center());
-    QListWidget* list = window->ListOf(EditTarget);
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(row)).center());
+    Do("tab 1");
+    Do("row " + std::to_string(row));
 }
 
 void UiWindow::Drag(QPoint from, QPoint to, Qt::MouseButton button) const
@@ -54,6 +89,35 @@ void UiWindow::Drag(QPoint from, QPoint to, Qt::MouseButton button) const
     QTest::mouseMove(window->picMain, (from + to) / 2);
     QTest::mouseMove(window->picMain, to);
     QTest::mouseRelease(window->picMain, button, {}, to);
+}
+
+void UiWindow::Wheel(QWidget* widget, int distance)
+{
+    const QPointF at(10, 10);
+    QWheelEvent event(at, widget->mapToGlobal(at), QPoint(), QPoint(0, distance), Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QSpontaneKeyEvent::setSpontaneous(&event);
+    qApp->notify(widget, &event);
+}
+
+namespace {
+
+std::string CrLf(const std::string& lines)
+{
+    return QString::fromStdString(lines).replace(u'\n', QStringLiteral("\r\n")).toStdString();
+}
+
+} // namespace
+
+std::string SmallModel()
+{
+    return CrLf("fileinfo\n{\nformatversion=1.0.2\n}\nmaterial \"M\"\n{\ncolormap=\"absent.bmp\"\n}\n"
+                "bone \"Right01\"\n{\nposition=(1,0,0)\n}\nbone \"Left02\"\n{\nposition=(-1,0,0)\n}\n"
+                "bone \"Top03\"\n{\nposition=(0,0,1)\n}\nbone \"$j$Low01\"\n{\n}\nbone \"$j$High02\"\n{\n}\n"
+                "skin \"Body\"\n{\nm=\"M\"\nv=(1,0,0),1\nv=(-1,0,0),-1\nv=(0,0,1),-1\nv=(0,0,-1),-1\n"
+                "f=(1,2,3),(0,0,0),(0,0,0),1\n}\nskin \"$Shadow\"\n{\nv=(0,0,1),-1\nv=(0,0,2),2\n}\n"
+                "mesh \"Plain\"\n{\nv=(0,0,0)\n}\ninstance \"Trunk\"\n{\nmesh=\"Body\"\nscale=0.5\n}\n"
+                "instance \"$Shadow\"\n{\nmesh=\"$Shadow\"\nscale=1\n}\n");
 }
 
 namespace {
@@ -100,33 +164,4 @@ std::string BallModel(int rings)
     PutBall(out, "Body", 0.5, rings);
     PutBall(out, "$Shadow", 0.4, rings);
     return out.str();
-}
-
-DialogSteps::Step Box(const std::string& text, int button)
-{
-    return [text, button](QDialog* dialog) {
-        auto* box = qobject_cast<QMessageBox*>(dialog);
-        ASSERT_NE(box, nullptr) << "another dialog in place of: " << text;
-        EXPECT_EQ(box->text().toStdString(), text);
-        box->button(static_cast<QMessageBox::StandardButton>(button))->click();
-    };
-}
-
-DialogSteps::Step Choose(const std::string& path)
-{
-    return [path](QDialog* dialog) {
-        auto* chooser = qobject_cast<QFileDialog*>(dialog);
-        ASSERT_NE(chooser, nullptr);
-        chooser->findChild<QLineEdit*>()->setText(QString::fromStdString(path));
-        static_cast<QDialog*>(chooser)->findChild<QLineEdit*>()->setFocus();
-        QTest::keyClick(chooser->findChild<QLineEdit*>(), Qt::Key_Return);
-    };
-}
-
-DialogSteps::Step Row(const char* list, int row)
-{
-    return [list, row](QDialog* dialog) {
-        Part<QListWidget>(dialog, list)->setCurrentRow(row);
-        Press(dialog, "cmdOK");
-    };
 }

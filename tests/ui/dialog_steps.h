@@ -6,6 +6,11 @@
 
 #include <gtest/gtest.h>
 
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QListWidget>
+
+
 #include <QApplication>
 #include <QDialog>
 #include <QMessageBox>
@@ -86,4 +91,33 @@ inline void Press(const QWidget* dialog, const char* name)
 inline DialogSteps::Step Pressing(const char* name)
 {
     return [name](QDialog* dialog) { Press(dialog, name); };
+}
+
+inline DialogSteps::Step Box(const std::string& text, int button)
+{
+    return [text, button](QDialog* dialog) {
+        auto* box = qobject_cast<QMessageBox*>(dialog);
+        ASSERT_NE(box, nullptr) << "another dialog in place of: " << text;
+        EXPECT_EQ(box->text().toStdString(), text);
+        box->button(static_cast<QMessageBox::StandardButton>(button))->click();
+    };
+}
+
+inline DialogSteps::Step Choose(const std::string& path)
+{
+    return [path](QDialog* dialog) {
+        auto* chooser = qobject_cast<QFileDialog*>(dialog);
+        ASSERT_NE(chooser, nullptr);
+        chooser->findChild<QLineEdit*>()->setText(QString::fromStdString(path));
+        static_cast<QDialog*>(chooser)->findChild<QLineEdit*>()->setFocus();
+        QTest::keyClick(chooser->findChild<QLineEdit*>(), Qt::Key_Return);
+    };
+}
+
+inline DialogSteps::Step Row(const char* list, int row)
+{
+    return [list, row](QDialog* dialog) {
+        Part<QListWidget>(dialog, list)->setCurrentRow(row);
+        Press(dialog, "cmdOK");
+    };
 }

@@ -16,6 +16,7 @@
 #include "modCamera.h"
 #include "modDrag.h"
 #include "support/ui_window.h"
+#include "ui/dialog_steps.h"
 
 namespace {
 

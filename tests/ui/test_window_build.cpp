@@ -26,6 +26,7 @@
 #include "modEvents.h"
 #include "modViewFlags.h"
 #include "support/ui_window.h"
+#include "ui/dialog_steps.h"
 
 namespace {
 

@@ -18,6 +18,7 @@
 #include "modOpenGL.h"
 #include "modViewFlags.h"
 #include "support/ui_window.h"
+#include "ui/dialog_steps.h"
 
 namespace {
 

@@ -11,6 +11,7 @@
 #include "dialogs/frmLog.h"
 #include "modFiles.h"
 #include "support/ui_window.h"
+#include "ui/dialog_steps.h"
 #include "weights/modEdit.h"
 
 namespace {

@@ -16,6 +16,7 @@
 #include "modDrag.h"
 #include "modViewFlags.h"
 #include "support/ui_window.h"
+#include "ui/dialog_steps.h"
 #include "weights/modMirror.h"
 
 namespace {

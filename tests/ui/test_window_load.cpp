@@ -19,6 +19,7 @@
 #include "modFiles.h"
 #include "support/model_text.h"
 #include "support/ui_window.h"
+#include "ui/dialog_steps.h"
 
 namespace {
 

@@ -9,6 +9,7 @@
 #include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
 #include "support/ui_window.h"
+#include "ui/dialog_steps.h"
 #include "weights/modEdit.h"
 
 namespace {
