@@ -44,6 +44,7 @@ void Type(QDialog* dialog, const std::string& text)
     const auto* chooser = qobject_cast<QFileDialog*>(dialog);
     // A chooser that is still reading its folder may take up the row of another name.
     EXPECT_TRUE(QTest::qWaitFor([&] {
+        field->clear();
         field->setText(wanted);
         return chooser == nullptr ||
                QFileInfo(chooser->selectedFiles().value(0)).fileName() == QFileInfo(wanted).fileName();
