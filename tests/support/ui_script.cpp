@@ -19,7 +19,7 @@ std::string Shown(QDialog* dialog)
     const std::string title = dialog->windowTitle().toStdString();
     if (const auto* box = qobject_cast<QMessageBox*>(dialog)) {
         EXPECT_EQ(title, "Beastwright");
-        return std::string(1, " i!x?"[box->icon()]) + " " + box->text().toStdString();
+        return std::string(1, " i!x?"[box->icon()]) + " " + box->text().replace(u'\n', u'|').toStdString();
     }
     if (const auto* prompt = qobject_cast<QInputDialog*>(dialog)) {
         return title + "|" + prompt->labelText().toStdString() + "|" + prompt->textValue().toStdString();
@@ -44,10 +44,9 @@ void Type(QDialog* dialog, const std::string& text)
     const auto* chooser = qobject_cast<QFileDialog*>(dialog);
     // A chooser that is still reading its folder may take up the row of another name.
     EXPECT_TRUE(QTest::qWaitFor([&] {
-        field->clear();
+        field->setText(QStringLiteral("/none"));
         field->setText(wanted);
-        return chooser == nullptr ||
-               QFileInfo(chooser->selectedFiles().value(0)).fileName() == QFileInfo(wanted).fileName();
+        return chooser == nullptr || QFileInfo(chooser->selectedFiles()[0]).fileName() == QFileInfo(wanted).fileName();
     })) << text;
     QTest::keyClick(field, Qt::Key_Return);
 }
@@ -73,7 +72,14 @@ void Answer(QDialog* dialog, const std::string& answer)
         for (const QString& word : QString::fromStdString(answer).split(u' ')) {
             bool isRow = false;
             const int row = word.toInt(&isRow);
-            isRow ? dialog->findChild<QListWidget*>()->setCurrentRow(row) : Press(dialog, word.toStdString());
+            auto* list = dialog->findChild<QListWidget*>();
+            if (isRow) {
+                list->setCurrentRow(row);
+            } else if (list != nullptr && !list->findItems(word, Qt::MatchExactly).isEmpty()) {
+                list->setCurrentItem(list->findItems(word, Qt::MatchExactly)[0]);
+            } else {
+                Press(dialog, word.toStdString());
+            }
         }
     }
 }

@@ -15,10 +15,10 @@ inline std::string TestFolder;
 [[nodiscard]] std::string Tilde(std::string text);
 
 /// What a dialog must show and how it is answered: "shown > answer", or an answer alone.
-///   box       "! text > Yes", the first sign being the icon: i, !, x or ?
+///   box       "! text > Yes", the first sign being the icon: i, !, x or ?; "|" ends a line
 ///   prompt    "title|prompt|text > new text"
 ///   chooser   "title|open ~/|name|first filter > ~/file"
-///   others    "title row > 2 cmdOK", the row of its list, if it has one; then rows to choose and buttons to press
+///   others    "title row > 2 cmdOK", the row of its list, if it has one; then rows, by number or text, and buttons
 /// "Esc" and "Close" answer each of them. A text that ends in "..." is only the begin of what must be shown.
 struct Step {
     Step(const char* line) : Line(line) {}

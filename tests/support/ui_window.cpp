@@ -7,6 +7,7 @@
 
 #include <QAction>
 #include <QListWidget>
+#include <QPlainTextEdit>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QWheelEvent>
@@ -49,11 +50,13 @@ bool UiWindow::eventFilter(QObject* watched, QEvent* event)
     return QObject::eventFilter(watched, event);
 }
 
-void UiWindow::Settle()
+bool UiWindow::Paints(const std::function<void()>& act, bool expected)
 {
     QCoreApplication::processEvents();
     window->repaint();
     Frames = 0;
+    act();
+    return expected && QTest::qWaitFor([this] { return Frames > 0; }, 500);
 }
 
 void UiWindow::Do(const std::string& trigger, std::deque<Step> dialogs) const
@@ -108,6 +111,16 @@ std::string CrLf(const std::string& lines)
 }
 
 } // namespace
+
+QPlainTextEdit* LogField()
+{
+    for (const QWidget* top : QApplication::topLevelWidgets()) {
+        if (top->objectName() == QStringLiteral("frmLog")) {
+            return Part<QPlainTextEdit>(top, "txtLog");
+        }
+    }
+    return nullptr;
+}
 
 std::string SmallModel()
 {

@@ -25,11 +25,11 @@ public:
     void Drag(QPoint from, QPoint to, Qt::MouseButton button = Qt::LeftButton) const;
     /// Turns the wheel over a widget, as if from the window system: only such events travel on to the parents.
     static void Wheel(QWidget* widget, int distance);
-    /// Paints what waits to be painted. After that the view is painted again only when something asks for it.
-    void Settle();
+    /// Whether the view is painted anew because of what `act` does. Waits longer for what it should see.
+    bool Paints(const std::function<void()>& act, bool expected = true);
 
     TempFolder Folder;
-    int Frames = 0; ///< pictures that the view has painted since the last Settle
+    int Frames = 0; ///< pictures that the view has painted since the last call of Paints
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -38,7 +38,12 @@ private:
     std::unique_ptr<frmMain> window;
 };
 
-inline const std::string Question = "! Any changes to open files will be lost.\nContinue? > ";
+class QPlainTextEdit;
+
+inline const std::string Question = "! Any changes to open files will be lost.|Continue? > ";
+
+/// The text of the Info Log, null while there is none.
+[[nodiscard]] QPlainTextEdit* LogField();
 
 /// Five bones with joints, of which two for shadows, a skin "Body" of four vertices, the first of bone 1, a shadow of two,
 /// a mesh "Plain" that is no skin and has no instance, and a material whose texture is missing.

@@ -1,0 +1,371 @@
+// Mouse, wheel, keys, focus, drops and progress on the real window.
+#include <QAction>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMimeData>
+#include <QProcess>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QToolButton>
+
+#include "app/modFrontEnd.h"
+#include "app/modMvmDef.h"
+#include "dialogs/frmLog.h"
+#include "main/modApp.h"
+#include "modCamera.h"
+#include "modDrag.h"
+#include "modEvents.h"
+#include "modViewFlags.h"
+#include "support/ui_window.h"
+#include "weights/modEdit.h"
+
+namespace {
+
+std::string FocusName(const UiWindow& window)
+{
+    return window->focusWidget() == nullptr ? "" : window->focusWidget()->objectName().toStdString();
+}
+
+/// The controls that Tab stops at, from the view until it comes back there.
+std::string Walk(const UiWindow& window, Qt::Key key = Qt::Key_Tab)
+{
+    window->picMain->setFocus();
+    std::string stops;
+    do {
+        stops += FocusName(window) + " ";
+        QTest::keyClick(window->focusWidget(), key, key == Qt::Key_Backtab ? Qt::ShiftModifier : Qt::NoModifier);
+    } while (FocusName(window) != "picMain" && stops.size() < 1000);
+    return stops;
+}
+
+} // namespace
+
+TEST(WindowMouse, ToolsMoveTheCamera)
+{
+    UiWindow window;
+    const struct {
+        const char* Tool;
+        Qt::MouseButton Button;
+        Vec3 Rotation, Position;
+    } drags[] = {{"arcrot", Qt::LeftButton, {20, -196, 0}, {0, 0, -2}},
+                 {"pan", Qt::LeftButton, {10, -200, 0}, {0.02F, -0.05F, -2}},
+                 {"zoom", Qt::LeftButton, {10, -200, 0}, {0, 0, -2.5F}},
+                 {"select", Qt::LeftButton, {10, -200, 0}, {0, 0, -2}},
+                 {"arcrot", Qt::MiddleButton, {10, -200, 0}, {0.02F, -0.05F, -2}}};
+    for (const auto& d : drags) {
+        SCOPED_TRACE(d.Tool);
+        InitCameras();
+        window.Do(d.Tool);
+        const QCursor tool = window->picMain->cursor();
+        EXPECT_TRUE(window.Paints([&] { QTest::mousePress(window->picMain, d.Button, {}, QPoint(100, 100)); }));
+        const bool grabs = d.Button == Qt::MiddleButton || ToolMode == 2;
+        EXPECT_EQ(window->picMain->cursor().pixmap().toImage() == tool.pixmap().toImage(), !grabs);
+        QTest::mouseMove(window->picMain, QPoint(110, 110));
+        EXPECT_TRUE(window.Paints([&] { QTest::mouseMove(window->picMain, QPoint(120, 150)); }));
+        EXPECT_TRUE(window.Paints([&] { QTest::mouseRelease(window->picMain, d.Button, {}, QPoint(120, 150)); }));
+        EXPECT_EQ(window->picMain->cursor().pixmap().toImage(), tool.pixmap().toImage());
+        EXPECT_NEAR(Cameras[1].Rotation.X, d.Rotation.X, 1e-4);
+        EXPECT_NEAR(Cameras[1].Rotation.Y, d.Rotation.Y, 1e-4);
+        EXPECT_NEAR(Cameras[1].Position.X, d.Position.X, 1e-5);
+        EXPECT_NEAR(Cameras[1].Position.Y, d.Position.Y, 1e-5);
+        EXPECT_NEAR(Cameras[1].Position.Z, d.Position.Z, 1e-5);
+        EXPECT_EQ(MouseButton, 0);
+    }
+}
+
+TEST(WindowMouse, TheRightButtonEndsAToolOrOpensTheCameras)
+{
+    const UiWindow window;
+    window.Do("zoom");
+    QTest::mouseClick(window->picMain, Qt::RightButton, {}, QPoint(50, 50));
+    EXPECT_EQ(ToolMode, 0);
+    EXPECT_FALSE(window->mnuViewCamera->isVisible());
+    const auto move = [&window](QPointF to) {
+        QMouseEvent event(QEvent::MouseMove, to, to, Qt::NoButton, Qt::NoButton, {});
+        QApplication::sendEvent(window->picMain, &event);
+    };
+    QTest::mousePress(window->picMain, Qt::LeftButton, {}, QPoint(20, 20));
+    QTest::mousePress(window->picMain, Qt::RightButton, {}, QPoint(60, 60));
+    EXPECT_TRUE(window->mnuViewCamera->isVisible());
+    EXPECT_EQ(MouseButton, 1);
+    window->mnuViewCamera->close();
+    // The release went elsewhere: the next move with no button held ends the drag.
+    move({70, 80});
+    EXPECT_EQ(MouseButton, 0);
+    EXPECT_EQ(QPointF(MouseLastX, MouseLastY), QPointF(70, 80));
+    QTest::mouseClick(window->picMain, Qt::BackButton, {}, QPoint(30, 30));
+    EXPECT_EQ(QPointF(MouseStartX, MouseStartY), QPointF(20, 20));
+    // So does another window that takes the keyboard.
+    QTest::mousePress(window->picMain, Qt::MiddleButton, {}, QPoint(20, 20));
+    ShowInfoLog();
+    EXPECT_TRUE(QTest::qWaitFor([] { return MouseButton == 0; }));
+}
+
+TEST(WindowMouse, TheWheelZoomsByWholeNotches)
+{
+    UiWindow window;
+    const struct {
+        int Distance;
+        double Z;
+    } steps[] = {{120, -1.9}, {-240, -2.1}, {30, -2.1}, {60, -2.1}, {30, -2.0}, {90, -2.0}, {-30, -2.0}, {-90, -2.1}};
+    for (const auto& s : steps) {
+        const bool notch = std::abs(s.Distance) >= 120;
+        EXPECT_EQ(window.Paints([&] { UiWindow::Wheel(window->picMain, s.Distance); }, notch), notch);
+        EXPECT_NEAR(Cameras[1].Position.Z, s.Z, 1e-5) << s.Distance;
+    }
+    UiWindow::Wheel(window->tabMain->tabBar(), 120);
+    EXPECT_NEAR(Cameras[1].Position.Z, -2.0, 1e-5);
+    EXPECT_EQ(ActiveTab, 0);
+    UiWindow::Wheel(window->lstAnimation->viewport(), 120);
+    window.Do("tab 1");
+    UiWindow::Wheel(window->lstSkinBones->viewport(), 120);
+    window.Do("optShadow1");
+    UiWindow::Wheel(window->lstShadowBones->viewport(), 120);
+    EXPECT_NEAR(Cameras[1].Position.Z, -2.0, 1e-5) << "a list at its end must not hand the wheel on";
+}
+
+TEST(WindowMouse, ADragThroughTheListWalksTheBone)
+{
+    const UiWindow window(BallModel(6));
+    window.Edit(1);
+    BoneList* list = window->lstSkinBones;
+    const auto row = [list](int i) { return list->visualItemRect(list->item(i)).center(); };
+    QTest::mousePress(list->viewport(), Qt::LeftButton, {}, row(1));
+    for (const int bone : {2, 3, 4, 3}) {
+        QTest::mouseMove(list->viewport(), row(bone));
+        EXPECT_EQ(ActiveBone, bone);
+    }
+    ActiveBone = 5;
+    QTest::mouseMove(list->viewport(), row(3) + QPoint(1, 0));
+    EXPECT_EQ(ActiveBone, 3);
+    QTest::mouseRelease(list->viewport(), Qt::LeftButton, {}, row(3));
+    EXPECT_FALSE(window->ListDragging);
+    ActiveBone = 5;
+    QTest::mouseMove(list->viewport(), row(3));
+    EXPECT_EQ(ActiveBone, 5);
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, row(3));
+    EXPECT_TRUE(list->item(3)->isSelected());
+    EXPECT_EQ(ActiveBone, 3);
+}
+
+TEST(WindowKeys, OnlyTheListsAndTheToolbarKeepThem)
+{
+    const UiWindow window;
+    window.Do("tab 1");
+    const QList<QWidget*> groups[] = {{window->picMain, &*window, window->tabMain->tabBar(), window->cmdMirror,
+                                       window->cmdSaveWeights, window->optMode[2], window->optShadow[1],
+                                       window->cmdPlay},
+                                      {window->lstSkinBones, window->toolButtons[0]}};
+    for (const QList<QWidget*>& group : groups) {
+        for (QWidget* widget : group) {
+            window->SetCamera(1);
+            widget->setFocus();
+            if (widget == &*window && window->focusWidget() != nullptr) {
+                window->focusWidget()->clearFocus();
+            }
+            QTest::keyClick(widget, Qt::Key_T);
+            EXPECT_EQ(CurrentCamera, &group == groups ? 7 : 1) << widget->objectName().toStdString();
+        }
+    }
+    QTest::keyClick(window->optMode[0], Qt::Key_Space); // still presses
+    EXPECT_EQ(DisplayMode, 0);
+    // Ctrl turns the keys off until a key goes up on the view.
+    window->SetCamera(1);
+    QTest::keyPress(window->picMain, Qt::Key_Control);
+    QTest::keyPress(window->cmdSwap, Qt::Key_T);
+    QTest::keyRelease(window->cmdSwap, Qt::Key_Control);
+    QKeyEvent repeated(QEvent::KeyRelease, Qt::Key_Control, Qt::NoModifier, QString(), true);
+    QApplication::sendEvent(window->picMain, &repeated);
+    QTest::keyPress(window->picMain, Qt::Key_T);
+    EXPECT_EQ(CurrentCamera, 1);
+    QTest::keyRelease(window->picMain, Qt::Key_T);
+    QTest::keyPress(window->picMain, Qt::Key_T);
+    EXPECT_EQ(CurrentCamera, 7);
+}
+
+TEST(WindowKeys, AreTakenByTheirPlaceOnOtherAlphabets)
+{
+    const UiWindow window;
+    const struct {
+        int Key;
+        quint32 Scan;
+        int Camera, Tool;
+    } keys[] = {{0x415, 28, 7, 0}, // Cyrillic, on the key of T
+                {0x39B, 46, 5, 0}, // Greek, on the key of L
+                {0x3A8, 54, 2, 0}, // on the key of C, the last row
+                {0x6CC, 40, 1, 0}, // Arabic, on the key of D, which does nothing
+                {Qt::Key_Ampersand, 10, 1, 0},
+                {Qt::Key_QuoteDbl, 12, 1, 2},
+                {Qt::Key_Apostrophe, 13, 1, 3},
+                {Qt::Key_Slash, 14, 1, 3}, // the key of 5
+                {Qt::Key_T, 46, 7, 3},     // a Latin layout of another order
+                {0xD6, 46, 1, 3},          // a Latin letter of its own
+                {Qt::Key_Left, 28, 1, 3}}; // no letter at all
+    for (const auto& k : keys) {
+        window->SetCamera(1);
+        QKeyEvent event(QEvent::KeyPress, k.Key, Qt::NoModifier, k.Scan, 0, 0);
+        QApplication::sendEvent(window->picMain, &event);
+        EXPECT_EQ(CurrentCamera, k.Camera) << k.Key;
+        EXPECT_EQ(ToolMode, k.Tool) << k.Key;
+    }
+}
+
+TEST(WindowKeys, TabReachesEveryControlAndArrowsTheirGroup)
+{
+    const UiWindow window(BallModel(4));
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&*window));
+    EXPECT_EQ(Walk(window), "picMain tabMainHeadings lstAnimation select ");
+    window->tabMain->tabBar()->setFocus();
+    QTest::keyClick(window->tabMain->tabBar(), Qt::Key_Right);
+    EXPECT_EQ(Walk(window), "picMain tabMainHeadings optShadow0 lstSkinBones cmdSelectSkinMesh cmdSelectShadowMesh "
+                            "cmdUnAssign cmdReAssign cmdSwap cmdMirror cmdLoadWeights cmdSaveWeights optMode2 select ");
+    const struct {
+        QWidget* From;
+        Qt::Key Key;
+        const char* To;
+        const int16_t* Value;
+        int Becomes;
+    } arrows[] = {{window->optShadow[0], Qt::Key_Right, "optShadow1", &EditTarget, 1},
+                  {window->optShadow[1], Qt::Key_Left, "optShadow0", &EditTarget, 0},
+                  {window->optMode[2], Qt::Key_Left, "optMode1", &DisplayMode, 1},
+                  {window->toolButtons[0], Qt::Key_Right, "arcrot", &ToolMode, 1},
+                  {window->lstSkinBones, Qt::Key_Down, "lstSkinBones", &ActiveBone, 1}};
+    for (const auto& a : arrows) {
+        a.From->setFocus();
+        QTest::keyClick(a.From, a.Key);
+        EXPECT_EQ(FocusName(window), a.To);
+        EXPECT_EQ(*a.Value, a.Becomes) << a.To;
+    }
+    EXPECT_EQ(Walk(window, Qt::Key_Backtab).substr(0, 24), "picMain arcrot optMode1 ");
+    const bool shows = window->viewEdge->autoFillBackground();
+    window->cmdSwap->setFocus();
+    EXPECT_TRUE(shows && !window->viewEdge->autoFillBackground()) << "the rim of the view tells the focus";
+}
+
+TEST(WindowEvents, ADropOpensTheFirstModelOfIt)
+{
+    const UiWindow window;
+    const std::string path = window.Folder / "a%20\xC3\xB6.MVM";
+    PutFile(path, BallModel(4));
+    PutFile(window.Folder / "b.txt", BallModel(4));
+    const std::string url = "file://" + window.Folder.Path + "a%2520%C3%B6.MVM";
+    const struct {
+        std::string Dropped;
+        bool Opens;
+    } drops[] = {{"file://" + window.Folder / "b.txt\n" + url, false},
+                 {"file://" + window.Folder.Path, false},
+                 {"http://x/a.mvm\n" + url, false},
+                 {"file://" + window.Folder.Path + "none.mvm", false},
+                 {"# a note\r\n\r\n" + url + "\r\nfile:///b.txt", true},
+                 {"FILE:" + window.Folder.Path + "a%2520%C3%B6.MVM%00.txt", true}};
+    for (const auto& drop : drops) {
+        ModelOpen = false;
+        QMimeData data;
+        data.setData(QStringLiteral("text/uri-list"), QByteArray::fromStdString(drop.Dropped));
+        QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
+        enter.ignore();
+        QDropEvent event(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
+        event.ignore();
+        static_cast<QObject&>(*window).event(&enter);
+        static_cast<QObject&>(*window).event(&event);
+        EXPECT_TRUE(enter.isAccepted() && event.isAccepted());
+        EXPECT_FALSE(ModelOpen) << "the load must wait until the drop has been answered";
+        QCoreApplication::processEvents();
+        EXPECT_EQ(ModelOpen, drop.Opens) << drop.Dropped;
+    }
+    EXPECT_EQ(CurrentFile, path);
+    const Script script({Question + "No"});
+    window->DropFile(path);
+}
+
+TEST(WindowEvents, TheProgressStandsOnTheStatusBar)
+{
+    const UiWindow window;
+    const struct {
+        int32_t Maximum, Value;
+        const char* Percent;
+        int Bar;
+    } cases[] = {{0, 5, "100%", 1},    {1000, 0, "0%", 1},      {1000, 5, "0%", 5},
+                 {1000, 15, "2%", 15}, {200, 199, "100%", 199}, {1000, 5000, "100%", 1000}};
+    const int64_t usual = std::exchange(PumpInterval, 0);
+    for (const auto& c : cases) {
+        ProgressBegin(c.Maximum);
+        EXPECT_TRUE(window->pgbProgress->isVisible() && window->txtProgress->isVisible());
+        EXPECT_EQ(window->pgbProgress->value(), 0);
+        ProgressStep(c.Value);
+        EXPECT_EQ(window->txtProgress->text().toStdString(), c.Percent) << c.Value << " of " << c.Maximum;
+        EXPECT_EQ(window->pgbProgress->value(), c.Bar);
+        ProgressEnd();
+        EXPECT_FALSE(window->pgbProgress->isVisible() || window->txtProgress->isVisible());
+    }
+    // A load that fails leaves them where it ended, also when no event was served on the way, and no document.
+    std::string half(512, '\r');
+    half += "mesh \"a\"\r{\rv=(1E99,0,0)\r";
+    half.resize(1024, '\r');
+    PutFile(window.Folder / "half.mvm", half);
+    PumpInterval = 1'000'000'000;
+    const auto seen = [&](QDialog* /*dialog*/) {
+        EXPECT_EQ(window->txtProgress->text(), QStringLiteral("50%"));
+        EXPECT_EQ(window->pgbProgress->value(), 512);
+    };
+    const Script script(
+        {Step("x Runtime error in LoadMVM|... > OK", seen),
+         Step("x A program error occurred. Please check the file you tried to open for errors.|However, "
+              "you can try to save the currently loaded data. Please restart Beastwright before you open "
+              "any other files. > OK",
+              seen),
+         "! Cannot find file \"~/\". > OK"});
+    window->OpenFile(window.Folder / "half.mvm");
+    EXPECT_TRUE(window->pgbProgress->isVisible() && window->txtProgress->isVisible());
+    PumpInterval = usual;
+    EXPECT_FALSE(ModelOpen || window->Busy() || window->Entry("mnuFileSave")->isEnabled());
+    window->OpenFile(window.Folder.Path);
+}
+
+TEST(WindowEvents, TheModelOfTheCommandLineOpensInAWindowOnTheScreen)
+{
+    const TempFolder folder;
+    PutFile(folder / "two words.mvm", SmallModel());
+    const UiWindow window("\"" + (folder / "two words.mvm") + "\"");
+    EXPECT_EQ(CurrentFile, folder / "two words.mvm");
+    EXPECT_TRUE(IsInfoLogVisible());
+    EXPECT_TRUE(QTest::qWaitFor([] {
+        const QWidget* active = QApplication::activeWindow();
+        return active != nullptr && active->objectName() == QStringLiteral("frmLog");
+    })) << "the log has the keyboard";
+    EXPECT_FALSE(QApplication::windowIcon().isNull()) << "windows without an owner have no icon";
+    window->showMinimized();
+    EXPECT_TRUE(QTest::qWaitFor([] { return !IsInfoLogVisible(); }));
+}
+
+// Runs itself once more on a desktop that gives no OpenGL at all.
+TEST(WindowEvents, WorkWithoutOpenGL)
+{
+    if (qgetenv("QT_XCB_GL_INTEGRATION") != "none") {
+        QProcess self;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("QT_XCB_GL_INTEGRATION"), QStringLiteral("none"));
+        self.setProcessEnvironment(environment);
+        self.setProcessChannelMode(QProcess::MergedChannels);
+        self.start(QApplication::applicationFilePath(),
+                   {QStringLiteral("--gtest_filter=WindowEvents.WorkWithoutOpenGL")});
+        ASSERT_TRUE(self.waitForFinished(60000));
+        EXPECT_EQ(self.exitCode(), 0) << self.readAll().toStdString();
+        return;
+    }
+    const Script script({"x Initalizing OpenGL failed. > OK", "x Error initializing OpenGL. > OK"});
+    const UiWindow window(BallModel(6));
+    EXPECT_FALSE(GLReady);
+    ASSERT_TRUE(ModelOpen);
+    window.Edit(2);
+    window.Drag(QPoint(2, 2), QPoint(300, 300));
+    window.Do("key C");
+    EXPECT_EQ(CurrentCamera, 2);
+    EXPECT_EQ(ActiveBone, 2);
+    EXPECT_EQ(window->picMain->palette().color(QPalette::Window), QColor(128, 128, 128));
+    window.Do("mnuToolsReloadTextures");
+}
