@@ -1,10 +1,5 @@
 #include "support/ui_window.h"
 
-#include <array>
-#include <cmath>
-#include <numbers>
-#include <sstream>
-
 #include <QAction>
 #include <QListWidget>
 #include <QPlainTextEdit>
@@ -133,48 +128,16 @@ std::string SmallModel()
                 "instance \"$Shadow\"\n{\nmesh=\"$Shadow\"\nscale=1\n}\n");
 }
 
-namespace {
-
-void PutBall(std::ostream& out, const std::string& name, double radius, int rings)
+std::string BoardModel(int side)
 {
-    out << "skin \"" << name << "\"\r\n{\r\nm=\"M\"\r\n";
-    for (int i = 0; i <= rings; i++) {
-        for (int j = 0; j < rings; j++) {
-            const double a = std::numbers::pi * i / rings;
-            const double b = 2 * std::numbers::pi * j / rings;
-            const std::array<double, 3> n = {std::sin(a) * std::cos(b), std::sin(a) * std::sin(b), std::cos(a)};
-            out << "v=(" << radius * n[0] << "," << radius * n[1] << "," << radius * n[2] << "),-1\r\n";
-            out << "n=(" << n[0] << "," << n[1] << "," << n[2] << ")\r\n";
-        }
-    }
-    const auto face = [&out](int p, int q, int r) {
-        out << "f=(" << p << "," << q << "," << r << "),(0,0,0),(" << p << "," << q << "," << r << "),1\r\n";
-    };
-    for (int i = 0; i < rings; i++) {
-        for (int j = 0; j < rings; j++) {
-            const int p = i * rings + j + 1;
-            const int q = i * rings + (j + 1) % rings + 1;
-            face(p, p + rings, q);
-            face(q, p + rings, q + rings);
-        }
-    }
-    out << "}\r\ninstance \"" << name << "\"\r\n{\r\nmesh=\"" << name << "\"\r\nscale=1\r\n}\r\n";
-}
-
-} // namespace
-
-std::string BallModel(int rings)
-{
-    std::ostringstream out;
-    out.imbue(std::locale::classic());
-    out << "fileinfo\r\n{\r\nformatversion=1.0.2\r\n}\r\nmaterial \"M\"\r\n{\r\n}\r\n";
+    std::string text;
     for (int i = 1; i <= 5; i++) {
-        out << "bone \"Bone0" << i << "\"\r\n{\r\nposition=(0,0," << 0.1 * i << ")\r\n}\r\n";
+        text += "bone \"Bone0" + std::to_string(i) + "\"\n{\nposition=(9,9,9)\n}\n";
     }
-    for (int i = 1; i <= 3; i++) {
-        out << "bone \"$j$Bone0" << i << "\"\r\n{\r\nposition=(0,0," << 0.1 * i << ")\r\n}\r\n";
+    text += "skin \"Body\"\n{\n";
+    for (int i = 0; i < side * side; i++) {
+        text +=
+            "v=(" + std::to_string(i % side * 15 - 60) + "E-2," + std::to_string(i / side * 15 - 60) + "E-2,0),-1\n";
     }
-    PutBall(out, "Body", 0.5, rings);
-    PutBall(out, "$Shadow", 0.4, rings);
-    return out.str();
+    return CrLf(text + "n=(0,0,1)\n}\ninstance \"Body\"\n{\nmesh=\"Body\"\nscale=1\n}\n");
 }

@@ -48,5 +48,5 @@ inline const std::string Question = "! Any changes to open files will be lost.|C
 /// Five bones with joints, of which two for shadows, a skin "Body" of four vertices, the first of bone 1, a shadow of two,
 /// a mesh "Plain" that is no skin and has no instance, and a material whose texture is missing.
 [[nodiscard]] std::string SmallModel();
-/// A model with a round skin of (rings + 1) * rings vertices and radius 0.5, and five bones. No vertex has a bone.
-[[nodiscard]] std::string BallModel(int rings);
+/// A model with a flat skin of side * side vertices, 0.15 from one to the next, and five bones. No vertex has a bone.
+[[nodiscard]] std::string BoardModel(int side);

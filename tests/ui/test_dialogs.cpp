@@ -170,7 +170,7 @@ TEST(NewModel, GoesOnOnlyWithAPresetAndAModelAndStopsWhenClosed)
 {
     const UiWindow window;
     const std::string preset = ProgramFolder() + "/presets/test.preset";
-    PutFile(preset, BallModel(100));
+    PutFile(preset, BoardModel(100));
     PutFile(window.Folder / "b.mvm", "bone \"a\"\r\n{\r\n}\r\n");
     LastPath = window.Folder.Path;
     const auto can = [](const char* presses, bool go) {

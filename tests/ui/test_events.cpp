@@ -129,7 +129,7 @@ TEST(WindowMouse, TheWheelZoomsByWholeNotches)
 
 TEST(WindowMouse, ADragThroughTheListWalksTheBone)
 {
-    const UiWindow window(BallModel(6));
+    const UiWindow window(BoardModel(6));
     window.Edit(1);
     BoneList* list = window->lstSkinBones;
     const auto row = [list](int i) { return list->visualItemRect(list->item(i)).center(); };
@@ -215,7 +215,7 @@ TEST(WindowKeys, AreTakenByTheirPlaceOnOtherAlphabets)
 
 TEST(WindowKeys, TabReachesEveryControlAndArrowsTheirGroup)
 {
-    const UiWindow window(BallModel(4));
+    const UiWindow window(BoardModel(4));
     window->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&*window));
     EXPECT_EQ(Walk(window), "picMain tabMainHeadings lstAnimation select ");
@@ -250,8 +250,8 @@ TEST(WindowEvents, ADropOpensTheFirstModelOfIt)
 {
     const UiWindow window;
     const std::string path = window.Folder / "a%20\xC3\xB6.MVM";
-    PutFile(path, BallModel(4));
-    PutFile(window.Folder / "b.txt", BallModel(4));
+    PutFile(path, BoardModel(4));
+    PutFile(window.Folder / "b.txt", BoardModel(4));
     const std::string url = "file://" + window.Folder.Path + "a%2520%C3%B6.MVM";
     const struct {
         std::string Dropped;
@@ -358,7 +358,7 @@ TEST(WindowEvents, WorkWithoutOpenGL)
         return;
     }
     const Script script({"x Initalizing OpenGL failed. > OK", "x Error initializing OpenGL. > OK"});
-    const UiWindow window(BallModel(6));
+    const UiWindow window(BoardModel(6));
     EXPECT_FALSE(GLReady);
     ASSERT_TRUE(ModelOpen);
     window.Edit(2);

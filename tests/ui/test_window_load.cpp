@@ -3,6 +3,7 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QMenu>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QTimer>
 #include <QToolButton>
@@ -19,13 +20,13 @@
 
 namespace {
 
-/// Does something at each event round while a load is under way, 20 times at most.
+/// Does something at each event round while a load is under way, 8 times at most.
 class DuringLoad {
 public:
     explicit DuringLoad(std::function<void()> act)
     {
         QObject::connect(&timer, &QTimer::timeout, &timer, [this, act, acting = false]() mutable {
-            if (LoadRunning && !acting && Rounds < 20) {
+            if (LoadRunning && !acting && Rounds < 8) {
                 Rounds++;
                 acting = true; // what it does can serve events of its own
                 act();
@@ -71,8 +72,6 @@ void DoEverything(const UiWindow& window)
     window.Drag(QPoint(5, 5), QPoint(300, 300));
     QTest::mouseClick(window->picMain, Qt::RightButton, {}, QPoint(9, 9));
     window->mnuViewCamera->close();
-    window->close();
-    StopRequested = false;
 }
 
 /// What a load leaves: all that a file would hold, and what the roles and the assignments are.
@@ -91,20 +90,67 @@ std::string SceneText()
 
 TEST(WindowLoad, NothingTheUserDoesHarmsTheLoad)
 {
-    const UiWindow window(BallModel(180));
-    PutFile(window.Folder / "other.mvm", BallModel(4));
+    const UiWindow window(BoardModel(100));
+    PutFile(window.Folder / "other.mvm", BoardModel(4));
     const std::string undisturbed = SceneText();
     window.Do("mnuFileClose", {Question + "Yes"});
     window.Edit(0);
     window->lstSkinBones->setFocus();
-    {
+    const DuringLoad user([&] {
+        window->DropFile(window.Folder / "other.mvm");
+        EXPECT_TRUE(window->panels[0]->text().startsWith(QStringLiteral("The dropped file was not opened")));
+        EXPECT_FALSE(window->Entry("mnuFileOpen")->isEnabled() || window->fraEditing->isEnabled());
+        EXPECT_TRUE(window->Entry("mnuFileExit")->isEnabled() && window->pgbProgress->isVisible());
+        DoEverything(window);
+    });
+    window->OpenFile(window.Folder / "a.mvm");
+    EXPECT_GT(user.Rounds, 5) << "the load was too short to be disturbed";
+    EXPECT_TRUE(ModelOpen);
+    EXPECT_TRUE(SceneText() == undisturbed);
+    EXPECT_TRUE(window->Entry("mnuFileOpen")->isEnabled() && window->fraEditing->isEnabled());
+    EXPECT_TRUE(window->focusWidget() == window->lstSkinBones && !window->Busy());
+}
+
+TEST(WindowLoad, ClosingTheWindowEndsTheLoadAndTheProgram)
+{
+    const std::string preset = ProgramFolder() + "/presets/test.preset";
+    PutFile(preset, BoardModel(120));
+    for (const bool fromNew : {false, true}) {
+        const UiWindow window;
+        LastPath = window.Folder.Path;
+        PutFile(window.Folder / "long.mvm", BoardModel(120));
         const DuringLoad user([&] {
-            window->DropFile(window.Folder / "other.mvm");
-            EXPECT_TRUE(window->panels[0]->text().startsWith(QStringLiteral("The dropped file was not opened")));
-            EXPECT_FALSE(window->Entry("mnuFileOpen")->isEnabled() || window->fraEditing->isEnabled());
-            DoEverything(window);
+            EXPECT_FALSE(window->close());
+            EXPECT_EQ(window->panels[0]->text(), QStringLiteral("Closing..."));
         });
-        window->OpenFile(window.Folder / "a.mvm");
-        EXPECT_GT(user.Rounds, 5) << "the load was too short to be disturbed";
+        if (fromNew) {
+            window.Do("mnuFileNew", {"New Vorrel -1 > test cmdBrowse cmdOK", "V... > ~/long.mvm"});
+        } else {
+            window.Do("mnuFileOpen", {"O... > ~/long.mvm"});
+        }
+        EXPECT_GT(user.Rounds, 0);
+        EXPECT_TRUE(window->Unloaded() && !window->isVisible());
+        EXPECT_FALSE(StopRequested || ModelOpen);
     }
+    std::filesystem::remove(preset);
+}
+
+TEST(WindowLoad, AStandingDialogIsAnsweredFirst)
+{
+    const UiWindow window(SmallModel());
+    const std::string before = SceneText();
+    const Step disturb("Esc", [&](QDialog* dialog) {
+        EXPECT_FALSE(window->close());
+        EXPECT_EQ(window->panels[0]->text(), QStringLiteral("Please answer the open dialog first."));
+        window->DropFile(window.Folder / "a.mvm");
+        EXPECT_TRUE(window->panels[0]->text().startsWith(QStringLiteral("The dropped file")));
+        window.Drag(QPoint(5, 5), QPoint(300, 300));
+        EXPECT_TRUE(dialog->isVisible());
+    });
+    for (const char* entry :
+         {"mnuFileClose", "mnuFileOpen", "mnuToolsRenameMesh", "mnuHelpAbout", "mnuOptionsPointsize"}) {
+        window.Do(entry, {disturb});
+    }
+    EXPECT_TRUE(ModelOpen);
+    EXPECT_TRUE(SceneText() == before);
 }
