@@ -27,8 +27,8 @@ public:
     {
         QObject::connect(&timer, &QTimer::timeout, &timer, [this, act, acting = false]() mutable {
             if (LoadRunning && !acting && Rounds < 8) {
-                Rounds++;
-                acting = true; // what it does can serve events of its own
+                PumpInterval = ++Rounds < 8 ? 0 : 1'000'000'000; // then the rest is read in one go
+                acting = true;                                   // what it does can serve events of its own
                 act();
                 acting = false;
             }
