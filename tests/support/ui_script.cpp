@@ -1,17 +1,5 @@
 #include "support/ui_script.h"
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QComboBox>
-#include <QFileDialog>
-#include <QInputDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMessageBox>
-#include <QPointer>
-#include <QTimer>
-
 namespace {
 
 std::string Shown(QDialog* dialog)

@@ -6,9 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include <QDialog>
-#include <QObject>
 #include <QTest>
+#include <QtWidgets>
 
 /// The folder of the running test; "~/" stands for it in all texts of a script.
 inline std::string TestFolder;

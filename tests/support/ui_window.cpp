@@ -1,17 +1,6 @@
 #include "support/ui_window.h"
 
-#include <QAction>
-#include <QListWidget>
-#include <QPlainTextEdit>
-#include <QTabBar>
-#include <QTabWidget>
-#include <QWheelEvent>
-
-#include "app/modFrontEnd.h"
-#include "app/modMvmDef.h"
-#include "modDrag.h"
 #include "modSession.h"
-#include "modViewFlags.h"
 
 UiWindow::UiWindow(const std::string& model)
 {
@@ -57,19 +46,38 @@ bool UiWindow::Paints(const std::function<void()>& act, bool expected)
 void UiWindow::Do(const std::string& trigger, std::deque<Step> dialogs) const
 {
     const Script script(std::move(dialogs));
-    const std::string last = trigger.substr(trigger.rfind(' ') + 1);
+    const QStringList words = QString::fromStdString(trigger).split(u' ');
+    const QString last = words.back();
+    QWidget* view = window->picMain;
+    QWidget* widget = words.size() > 2 ? window->findChild<QWidget*>(words[2]) : view;
+    const QStringList place = last.split(u',');
+    const QPoint at(place[0].toInt(), place.back().toInt());
+    const auto button = [&words] {
+        const QStringList names = {QStringLiteral("left"), QStringLiteral("right"), QStringLiteral("middle")};
+        return static_cast<Qt::MouseButton>(1 << (words[1] == QStringLiteral("back") ? 3 : names.indexOf(words[1])));
+    };
     if (trigger.starts_with("mnu")) {
         window->Entry(trigger.c_str())->trigger();
-    } else if (trigger.starts_with("key ")) {
-        const QKeyCombination keys = QKeySequence(QString::fromStdString(last))[0];
-        QTest::keyClick(window->picMain, keys.key(), keys.keyboardModifiers());
-    } else if (trigger.starts_with("tab ")) {
+    } else if (words[0] == QStringLiteral("key")) {
+        const QKeyCombination keys = QKeySequence(words[1])[0];
+        QTest::keyClick(widget, keys.key(), keys.keyboardModifiers());
+    } else if (words[0] == QStringLiteral("wheel")) {
+        Wheel(widget, words[1].toInt());
+    } else if (words[0] == QStringLiteral("press")) {
+        QTest::mousePress(view, button(), {}, at);
+    } else if (words[0] == QStringLiteral("move")) {
+        QTest::mouseMove(view, at);
+    } else if (words[0] == QStringLiteral("release")) {
+        QTest::mouseRelease(view, button(), {}, at);
+    } else if (words[0] == QStringLiteral("focus")) {
+        window->findChild<QWidget*>(last)->setFocus();
+    } else if (words[0] == QStringLiteral("tab")) {
         QTabBar* tabs = window->tabMain->tabBar();
-        QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(std::stoi(last)).center());
-    } else if (trigger.starts_with("row ")) {
+        QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(last.toInt()).center());
+    } else if (words[0] == QStringLiteral("row")) {
         const QListWidget* list = window->ListOf(window->lstShadowBones->isVisible() ? 1 : 0);
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
-                          list->visualItemRect(list->item(std::stoi(last))).center());
+                          list->visualItemRect(list->item(last.toInt())).center());
     } else {
         Press(&*window, trigger);
     }

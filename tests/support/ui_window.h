@@ -3,7 +3,17 @@
 #include <memory>
 #include <string>
 
+#include "app/modFrontEnd.h"
+#include "app/modMvmDef.h"
+#include "dialogs/frmLog.h"
 #include "main/frmMain.h"
+#include "main/frmMainMenu.h"
+#include "main/modApp.h"
+#include "modCamera.h"
+#include "modDrag.h"
+#include "modEvents.h"
+#include "modFiles.h"
+#include "modViewFlags.h"
 #include "support/temp_folder.h"
 #include "support/ui_script.h"
 
@@ -16,8 +26,9 @@ public:
 
     frmMain* operator->() const { return window.get(); }
     frmMain& operator*() const { return *window; }
-    /// Starts a command by its widget: an entry or a button by its name, "key C" on the view, "tab 1", "row 2" in the
-    /// visible list of bones. The dialogs that it opens must be those of the script.
+    /// Starts a command by its widget: an entry or a button by its name, "tab 1", "row 2" in the visible list of bones, "key
+    /// C" or "wheel 120" on the view or on a widget that is named behind it, "press left 10,10", "move 20,20" and "release
+    /// left 20,20" in the view. The dialogs that it opens must be those of the script.
     void Do(const std::string& trigger, std::deque<Step> dialogs = {}) const;
     /// Shows the tab "Editing" with the bone in this row of the visible list chosen.
     void Edit(int row) const;
@@ -37,8 +48,6 @@ protected:
 private:
     std::unique_ptr<frmMain> window;
 };
-
-class QPlainTextEdit;
 
 inline const std::string Question = "! Any changes to open files will be lost.|Continue? > ";
 

@@ -1,24 +1,7 @@
 // Every entry, button, key and option by its widget: what it asks, and all that it changes.
 #include <map>
 
-#include <QAction>
-#include <QLabel>
-#include <QListWidget>
-#include <QMenu>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QTabWidget>
-#include <QToolButton>
-
-#include "app/modFrontEnd.h"
-#include "app/modMvmDef.h"
-#include "dialogs/frmLog.h"
-#include "main/frmMainMenu.h"
-#include "modCamera.h"
 #include "modConsole.h"
-#include "modDrag.h"
-#include "modFiles.h"
-#include "modViewFlags.h"
 #include "support/ui_window.h"
 #include "weights/modBoneAlias.h"
 #include "weights/modMirror.h"
@@ -106,6 +89,14 @@ State Look(const UiWindow& window)
     state["camera"] = Down(CurrentCamera - 1, cameras);
     state["tool"] = Down(ToolMode, window->toolButtons);
     state["cursor"] = CursorOf(window->picMain);
+    const ViewCamera& eye = Cameras[static_cast<size_t>(CurrentCamera)];
+    for (const float value : {eye.Rotation.X, eye.Rotation.Y, eye.Position.X, eye.Position.Y, eye.Position.Z}) {
+        state["eye"] += " " + Float(std::round(value * 1000) / 1000);
+    }
+    state["mouse"] = std::to_string(MouseButton);
+    for (const float value : {MouseLastX, MouseLastY, MouseStartX, MouseStartY}) {
+        state["mouse"] += " " + Float(value);
+    }
     state["orbit"] = window->toolButtons[1]->isEnabled() ? "on" : "off";
     const bool editing = window->fraEditing->isVisible();
     const bool tabs = window->fraViewing->isVisible() != editing && window->tabMain->currentIndex() == ActiveTab;
@@ -140,6 +131,7 @@ State Look(const UiWindow& window)
     state["open"] = ModelOpen ? "yes" : "no";
     state["nosleep"] = NoSleep ? "yes" : "no";
     state["menu"] = window->mnuViewCamera->isVisible() ? "yes" : "no";
+    window->mnuViewCamera->close();
     state["ctrl"] = window->CtrlHeld ? "yes" : "no";
     for (const std::string& name : window.Folder.Names()) {
         state["files"] += " " + name;
@@ -167,7 +159,7 @@ std::string Changes(const State& before, const State& after)
     for (const auto& [name, value] : after) {
         const auto old = before.find(name);
         const std::string was = old == before.end() ? std::string() : old->second;
-        if (value == was) {
+        if (value == was || (name == "eye" && old != before.end() && before.at("camera") != after.at("camera"))) {
             continue;
         }
         changes += (changes.empty() ? "" : "; ") + name;
@@ -223,7 +215,8 @@ TEST(Commands, AtTheStart)
     const UiWindow window;
     EXPECT_EQ(
         Changes({{"last", ProgramFolder()}}, Look(window)),
-        "bone=0; camera=0; ctrl=no; cursor=select 15,15; help=Ready...; menu=no; mode=2; nosleep=no; "
+        "bone=0; camera=0; ctrl=no; cursor=select 15,15; eye= 10 -200 0 0 -2; help=Ready...; menu=no; mode=2; mouse=0 "
+        "0 0 0 0; nosleep=no; "
         "numbers=5 0.01 0.01; off +FileSave +FileSaveAs +FileRevert +FileClose; on +ViewSolid +ViewGrid "
         "+ViewTextures +ViewLighting +ViewCullVerts +OptionsAlias +OptionsLineAA +OptionFilterTextures; "
         "open=no; orbit=on; place=1,0; row=0/-1; rows=NONE|NONE; shadow=0:; shown=no; skin=0:; status=0:0; tab=0; "
@@ -263,10 +256,44 @@ key O = *camera=1; orbit=on || key 4 = *cursor=zoom 12,13; tool=3 || key Num+1 =
 key 1 = *cursor=select 15,15; tool=0 || key 3 = *cursor=pan1 15,15; tool=2 || key P = *camera=0
 key W = *off +ViewIsolines +ViewCullVerts; on +ViewWire -ViewSolid
 key W = *off -ViewIsolines -ViewCullVerts; on +ViewSolid -ViewWire || key V = *on -ViewCullVerts
+key T cmdMirror = *camera=6; orbit=off || key P cmdPlay = *camera=0; orbit=on || key O tabMainHeadings = *camera=1
+focus lstSkinBones = || key T lstSkinBones = || focus select = || key T select = || focus picMain = *
+key P optMode0 = *camera=0 || key Space optMode0 = *mode=0
 key F11 {Command|Command:| > NoSleep now} = *log=Dedicated mode.; nosleep=yes; shown=yes
 key F11 {Command|Command:|NoSleep now > Esc} = *
 key F11 {Command|Command:|NoSleep now > x} = *log=Bad or unknown command...; shown=yes
 key F11 {Command|Command:|x > nosleep} = *log=Efficiency mode.; nosleep=no; shown=yes)");
+}
+
+TEST(Commands, OfTheMouse)
+{
+    UiWindow window(SmallModel());
+    Try(&window, R"(
+arcrot = cursor=arcrot 16,16; tool=1 || press left 10,10 = *mouse=1 10 10 10 10
+move 30,60 = *eye= 20 -196 0 0 -2; mouse=1 30 60 10 10 || release left 30,60 = *mouse=0 30 60 10 10
+press middle 10,10 = *cursor=pan2 15,15; mouse=4 10 10 10 10
+move 30,60 = *eye= 20 -196 0.02 -0.05 -2; mouse=4 30 60 10 10
+release middle 30,60 = *cursor=arcrot 16,16; mouse=0 30 60 10 10
+pan = cursor=pan1 15,15; tool=2 || press left 1,1 = *cursor=pan2 15,15; mouse=1 1 1 1 1
+move -19,51 = *eye= 20 -196 0 -0.1 -2; mouse=1 -19 51 1 1
+release left -19,51 = *cursor=pan1 15,15; mouse=0 -19 51 1 1
+zoom = cursor=zoom 12,13; tool=3 || press left 9,1 = *mouse=1 9 1 9 1
+move 9,51 = *eye= 20 -196 0 -0.1 -2.5; mouse=1 9 51 9 1 || release left 9,50 = *mouse=0 9 50 9 1
+press right 5,5 = cursor=select 15,15; tool=0 || release right 9,50 = * || press left 9,50 = *mouse=1 9 50 9 50
+press right 9,50 = menu=yes || press back 7,7 = || move 8,8 = *mouse=1 8 8 9 50 || release left 8,8 = *mouse=0 8 8 9 50
+wheel 120 lstAnimation = || tab 1 = *tab=1 || press left 1,1 = *mouse=1 1 1 1 1 || release left 2,2 = *mouse=0 2 2 1 1
+wheel 120 = *eye= 20 -196 0 -0.1 -2.4 || wheel -240 = *eye= 20 -196 0 -0.1 -2.6 || wheel 30 = || wheel 60 =
+wheel 30 = *eye= 20 -196 0 -0.1 -2.5 || wheel 90 = || wheel -30 = || wheel -90 = *eye= 20 -196 0 -0.1 -2.6
+wheel 120 tabMainHeadings = *eye= 20 -196 0 -0.1 -2.5 || wheel 120 lstSkinBones =
+optShadow1 = *row=0/0; status=1:0; target=1 || wheel 120 lstShadowBones =)");
+    // A release that went elsewhere, and another window that takes the keyboard, end a drag.
+    for (const bool moved : {true, false}) {
+        window.Do("press middle 20,20");
+        QMouseEvent move(QEvent::MouseMove, QPointF(70, 80), QPointF(70, 80), Qt::NoButton, Qt::NoButton, {});
+        moved ? (void)QApplication::sendEvent(window->picMain, &move) : ShowInfoLog();
+        EXPECT_TRUE(QTest::qWaitFor([] { return MouseButton == 0; }));
+        EXPECT_EQ(CursorOf(window->picMain), "select 15,15");
+    }
 }
 
 TEST(Commands, OfEditing)

@@ -1,44 +1,10 @@
 // The dialogs and the Info Log beyond what the commands show of them.
-#include <QComboBox>
-#include <QDialogButtonBox>
-#include <QDir>
-#include <QFileDialog>
-#include <QLineEdit>
-#include <QListView>
-#include <QListWidget>
-#include <QMessageBox>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QScrollBar>
-#include <QTextBlock>
-#include <QTimer>
 
-#include "app/modFrontEnd.h"
-#include "app/modMvmDef.h"
 #include "dialogs/frmBones.h"
-#include "dialogs/frmLog.h"
 #include "dialogs/frmMeshes.h"
 #include "dialogs/modBoxes.h"
 #include "dialogs/modFileChooser.h"
-#include "main/modApp.h"
-#include "modEvents.h"
-#include "modFiles.h"
 #include "support/ui_window.h"
-
-namespace {
-
-int CountOf(const QImage& image, QRgb color)
-{
-    int count = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            count += image.pixel(x, y) == color ? 1 : 0;
-        }
-    }
-    return count;
-}
-
-} // namespace
 
 TEST(Boxes, ShowAnyTextAndAnswerToTheirKeys)
 {
@@ -280,22 +246,4 @@ TEST(InfoLog, TakesALongReportWholeAndCutsALineThatNobodyCanRead)
     CloseInfoLog();
     AppClosing = false;
     EXPECT_EQ(LogField(), nullptr);
-}
-
-TEST(About, TheLinkTurnsRedUnderThePointer)
-{
-    const UiWindow window;
-    window.Do("mnuHelpAbout", {Step("cmdOk", [](QDialog* dialog) {
-                  auto* link = Part<QPushButton>(dialog, "labLink");
-                  ASSERT_TRUE(QTest::qWaitForWindowActive(dialog));
-                  const auto turns = [link](const QWidget* pointed, QRgb color) {
-                      return QTest::qWaitFor([&] {
-                          QCursor::setPos(pointed->mapToGlobal(pointed->rect().center()));
-                          return CountOf(link->grab().toImage(), color) > 20;
-                      });
-                  };
-                  EXPECT_TRUE(turns(Part(dialog, "labTitle"), qRgb(0, 0, 255)));
-                  EXPECT_TRUE(turns(link, qRgb(255, 0, 0)));
-                  EXPECT_TRUE(turns(Part(dialog, "labTitle"), qRgb(0, 0, 255)));
-              })});
 }

@@ -1,24 +1,5 @@
 // Mouse, wheel, keys, focus, drops and progress on the real window.
-#include <QAction>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QMimeData>
-#include <QProcess>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QTabBar>
-#include <QTabWidget>
-#include <QToolButton>
 
-#include "app/modFrontEnd.h"
-#include "app/modMvmDef.h"
-#include "dialogs/frmLog.h"
-#include "main/modApp.h"
-#include "modCamera.h"
-#include "modDrag.h"
-#include "modEvents.h"
-#include "modViewFlags.h"
 #include "support/ui_window.h"
 #include "weights/modEdit.h"
 
@@ -42,90 +23,6 @@ std::string Walk(const UiWindow& window, Qt::Key key = Qt::Key_Tab)
 }
 
 } // namespace
-
-TEST(WindowMouse, ToolsMoveTheCamera)
-{
-    UiWindow window;
-    const struct {
-        const char* Tool;
-        Qt::MouseButton Button;
-        Vec3 Rotation, Position;
-    } drags[] = {{"arcrot", Qt::LeftButton, {20, -196, 0}, {0, 0, -2}},
-                 {"pan", Qt::LeftButton, {10, -200, 0}, {0.02F, -0.05F, -2}},
-                 {"zoom", Qt::LeftButton, {10, -200, 0}, {0, 0, -2.5F}},
-                 {"select", Qt::LeftButton, {10, -200, 0}, {0, 0, -2}},
-                 {"arcrot", Qt::MiddleButton, {10, -200, 0}, {0.02F, -0.05F, -2}}};
-    for (const auto& d : drags) {
-        SCOPED_TRACE(d.Tool);
-        InitCameras();
-        window.Do(d.Tool);
-        const QCursor tool = window->picMain->cursor();
-        EXPECT_TRUE(window.Paints([&] { QTest::mousePress(window->picMain, d.Button, {}, QPoint(100, 100)); }));
-        const bool grabs = d.Button == Qt::MiddleButton || ToolMode == 2;
-        EXPECT_EQ(window->picMain->cursor().pixmap().toImage() == tool.pixmap().toImage(), !grabs);
-        QTest::mouseMove(window->picMain, QPoint(110, 110));
-        EXPECT_TRUE(window.Paints([&] { QTest::mouseMove(window->picMain, QPoint(120, 150)); }));
-        EXPECT_TRUE(window.Paints([&] { QTest::mouseRelease(window->picMain, d.Button, {}, QPoint(120, 150)); }));
-        EXPECT_EQ(window->picMain->cursor().pixmap().toImage(), tool.pixmap().toImage());
-        EXPECT_NEAR(Cameras[1].Rotation.X, d.Rotation.X, 1e-4);
-        EXPECT_NEAR(Cameras[1].Rotation.Y, d.Rotation.Y, 1e-4);
-        EXPECT_NEAR(Cameras[1].Position.X, d.Position.X, 1e-5);
-        EXPECT_NEAR(Cameras[1].Position.Y, d.Position.Y, 1e-5);
-        EXPECT_NEAR(Cameras[1].Position.Z, d.Position.Z, 1e-5);
-        EXPECT_EQ(MouseButton, 0);
-    }
-}
-
-TEST(WindowMouse, TheRightButtonEndsAToolOrOpensTheCameras)
-{
-    const UiWindow window;
-    window.Do("zoom");
-    QTest::mouseClick(window->picMain, Qt::RightButton, {}, QPoint(50, 50));
-    EXPECT_EQ(ToolMode, 0);
-    EXPECT_FALSE(window->mnuViewCamera->isVisible());
-    const auto move = [&window](QPointF to) {
-        QMouseEvent event(QEvent::MouseMove, to, to, Qt::NoButton, Qt::NoButton, {});
-        QApplication::sendEvent(window->picMain, &event);
-    };
-    QTest::mousePress(window->picMain, Qt::LeftButton, {}, QPoint(20, 20));
-    QTest::mousePress(window->picMain, Qt::RightButton, {}, QPoint(60, 60));
-    EXPECT_TRUE(window->mnuViewCamera->isVisible());
-    EXPECT_EQ(MouseButton, 1);
-    window->mnuViewCamera->close();
-    // The release went elsewhere: the next move with no button held ends the drag.
-    move({70, 80});
-    EXPECT_EQ(MouseButton, 0);
-    EXPECT_EQ(QPointF(MouseLastX, MouseLastY), QPointF(70, 80));
-    QTest::mouseClick(window->picMain, Qt::BackButton, {}, QPoint(30, 30));
-    EXPECT_EQ(QPointF(MouseStartX, MouseStartY), QPointF(20, 20));
-    // So does another window that takes the keyboard.
-    QTest::mousePress(window->picMain, Qt::MiddleButton, {}, QPoint(20, 20));
-    ShowInfoLog();
-    EXPECT_TRUE(QTest::qWaitFor([] { return MouseButton == 0; }));
-}
-
-TEST(WindowMouse, TheWheelZoomsByWholeNotches)
-{
-    UiWindow window;
-    const struct {
-        int Distance;
-        double Z;
-    } steps[] = {{120, -1.9}, {-240, -2.1}, {30, -2.1}, {60, -2.1}, {30, -2.0}, {90, -2.0}, {-30, -2.0}, {-90, -2.1}};
-    for (const auto& s : steps) {
-        const bool notch = std::abs(s.Distance) >= 120;
-        EXPECT_EQ(window.Paints([&] { UiWindow::Wheel(window->picMain, s.Distance); }, notch), notch);
-        EXPECT_NEAR(Cameras[1].Position.Z, s.Z, 1e-5) << s.Distance;
-    }
-    UiWindow::Wheel(window->tabMain->tabBar(), 120);
-    EXPECT_NEAR(Cameras[1].Position.Z, -2.0, 1e-5);
-    EXPECT_EQ(ActiveTab, 0);
-    UiWindow::Wheel(window->lstAnimation->viewport(), 120);
-    window.Do("tab 1");
-    UiWindow::Wheel(window->lstSkinBones->viewport(), 120);
-    window.Do("optShadow1");
-    UiWindow::Wheel(window->lstShadowBones->viewport(), 120);
-    EXPECT_NEAR(Cameras[1].Position.Z, -2.0, 1e-5) << "a list at its end must not hand the wheel on";
-}
 
 TEST(WindowMouse, ADragThroughTheListWalksTheBone)
 {
@@ -151,29 +48,9 @@ TEST(WindowMouse, ADragThroughTheListWalksTheBone)
     EXPECT_EQ(ActiveBone, 3);
 }
 
-TEST(WindowKeys, OnlyTheListsAndTheToolbarKeepThem)
+TEST(WindowKeys, CtrlTurnsThemOffUntilAKeyGoesUpOnTheView)
 {
     const UiWindow window;
-    window.Do("tab 1");
-    const QList<QWidget*> groups[] = {{window->picMain, &*window, window->tabMain->tabBar(), window->cmdMirror,
-                                       window->cmdSaveWeights, window->optMode[2], window->optShadow[1],
-                                       window->cmdPlay},
-                                      {window->lstSkinBones, window->toolButtons[0]}};
-    for (const QList<QWidget*>& group : groups) {
-        for (QWidget* widget : group) {
-            window->SetCamera(1);
-            widget->setFocus();
-            if (widget == &*window && window->focusWidget() != nullptr) {
-                window->focusWidget()->clearFocus();
-            }
-            QTest::keyClick(widget, Qt::Key_T);
-            EXPECT_EQ(CurrentCamera, &group == groups ? 7 : 1) << widget->objectName().toStdString();
-        }
-    }
-    QTest::keyClick(window->optMode[0], Qt::Key_Space); // still presses
-    EXPECT_EQ(DisplayMode, 0);
-    // Ctrl turns the keys off until a key goes up on the view.
-    window->SetCamera(1);
     QTest::keyPress(window->picMain, Qt::Key_Control);
     QTest::keyPress(window->cmdSwap, Qt::Key_T);
     QTest::keyRelease(window->cmdSwap, Qt::Key_Control);

@@ -1,24 +1,6 @@
 // What stands where in the window and its dialogs, and what it says.
-#include <QAbstractButton>
-#include <QAction>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMenu>
-#include <QMenuBar>
-#include <QMessageBox>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QStatusBar>
-#include <QTabBar>
-#include <QTabWidget>
-#include <QToolButton>
 
-#include "app/modFrontEnd.h"
-#include "app/modMvmDef.h"
 #include "dialogs/modBoxes.h"
-#include "main/frmMainMenu.h"
-#include "modCamera.h"
 #include "modOpenGL.h"
 #include "support/ui_window.h"
 

@@ -1,17 +1,10 @@
 // What a scale of the desktop could break. The build runs these once more for each usual scale.
 #include <GL/gl.h>
 
-#include <QAction>
-#include <QImage>
-#include <QLabel>
-#include <QMatrix4x4>
 #include <QOpenGLWidget>
 
-#include "app/modMvmDef.h"
-#include "modCamera.h"
 #include "modGLState.h"
 #include "modOpenGL.h"
-#include "modViewFlags.h"
 #include "support/ui_window.h"
 
 namespace {

@@ -1,20 +1,7 @@
 // What a user does while a long file is being read, or while a dialog stands.
-#include <QAction>
-#include <QLabel>
-#include <QListWidget>
-#include <QMenu>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QTimer>
-#include <QToolButton>
 
-#include "app/modFrontEnd.h"
-#include "app/modMvmDef.h"
-#include "main/frmMainMenu.h"
 #include "model/modMvmRead.h"
 #include "model/modMvmWrite.h"
-#include "modEvents.h"
-#include "modFiles.h"
 #include "support/model_text.h"
 #include "support/ui_window.h"
 
