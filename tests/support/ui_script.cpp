@@ -39,6 +39,35 @@ void Type(QDialog* dialog, const std::string& text)
     QTest::keyClick(field, Qt::Key_Return);
 }
 
+void Perform(const Step& step, QDialog* dialog)
+{
+    const size_t arrow = step.Line.rfind(" > ");
+    if (arrow != std::string::npos) {
+        const std::string wanted = step.Line.substr(0, arrow);
+        std::string shown = Tilde(Shown(dialog));
+        if (wanted.ends_with("...")) {
+            shown = shown.substr(0, wanted.size() - 3) + "...";
+        }
+        EXPECT_EQ(shown, wanted);
+    }
+    if (step.Look) {
+        step.Look(dialog);
+    }
+    if (!step.Line.empty()) {
+        Answer(dialog, arrow == std::string::npos ? step.Line : step.Line.substr(arrow + 3));
+    }
+}
+
+} // namespace
+
+std::string Tilde(std::string text)
+{
+    for (size_t at = 0; !TestFolder.empty() && (at = text.find(TestFolder)) != std::string::npos;) {
+        text.replace(at, TestFolder.size(), "~/");
+    }
+    return text;
+}
+
 void Answer(QDialog* dialog, const std::string& answer)
 {
     if (answer == "Esc") {
@@ -70,35 +99,6 @@ void Answer(QDialog* dialog, const std::string& answer)
             }
         }
     }
-}
-
-void Perform(const Step& step, QDialog* dialog)
-{
-    const size_t arrow = step.Line.rfind(" > ");
-    if (arrow != std::string::npos) {
-        const std::string wanted = step.Line.substr(0, arrow);
-        std::string shown = Tilde(Shown(dialog));
-        if (wanted.ends_with("...")) {
-            shown = shown.substr(0, wanted.size() - 3) + "...";
-        }
-        EXPECT_EQ(shown, wanted);
-    }
-    if (step.Look) {
-        step.Look(dialog);
-    }
-    if (!step.Line.empty()) {
-        Answer(dialog, arrow == std::string::npos ? step.Line : step.Line.substr(arrow + 3));
-    }
-}
-
-} // namespace
-
-std::string Tilde(std::string text)
-{
-    for (size_t at = 0; !TestFolder.empty() && (at = text.find(TestFolder)) != std::string::npos;) {
-        text.replace(at, TestFolder.size(), "~/");
-    }
-    return text;
 }
 
 Script::Script(std::deque<Step> planned) : steps(std::move(planned))

@@ -53,5 +53,7 @@ Widget* Part(const QWidget* parent, const std::string& name)
     return widget;
 }
 
+/// Answers as a step does, with the part behind its ">".
+void Answer(QDialog* dialog, const std::string& answer);
 /// Clicks a button of any kind where it has its box.
 void Press(const QWidget* parent, const std::string& name);

@@ -44,9 +44,13 @@ std::string Down(int value, const Buttons& buttons)
     return std::to_string(value);
 }
 
-std::string Float(float value)
+std::string Numbers(std::initializer_list<double> numbers)
 {
-    return QString::number(static_cast<double>(value)).toStdString();
+    QStringList texts;
+    for (const double number : numbers) {
+        texts += QString::number(std::round(number * 1000) / 1000);
+    }
+    return texts.join(u' ').toStdString();
 }
 
 std::string RoleText(int16_t mesh)
@@ -90,13 +94,8 @@ State Look(const UiWindow& window)
     state["tool"] = Down(ToolMode, window->toolButtons);
     state["cursor"] = CursorOf(window->picMain);
     const ViewCamera& eye = Cameras[static_cast<size_t>(CurrentCamera)];
-    for (const float value : {eye.Rotation.X, eye.Rotation.Y, eye.Position.X, eye.Position.Y, eye.Position.Z}) {
-        state["eye"] += " " + Float(std::round(value * 1000) / 1000);
-    }
-    state["mouse"] = std::to_string(MouseButton);
-    for (const float value : {MouseLastX, MouseLastY, MouseStartX, MouseStartY}) {
-        state["mouse"] += " " + Float(value);
-    }
+    state["eye"] = Numbers({eye.Rotation.X, eye.Rotation.Y, eye.Position.X, eye.Position.Y, eye.Position.Z});
+    state["mouse"] = Numbers({double(MouseButton), MouseLastX, MouseLastY, MouseStartX, MouseStartY});
     state["orbit"] = window->toolButtons[1]->isEnabled() ? "on" : "off";
     const bool editing = window->fraEditing->isVisible();
     const bool tabs = window->fraViewing->isVisible() != editing && window->tabMain->currentIndex() == ActiveTab;
@@ -105,27 +104,23 @@ State Look(const UiWindow& window)
     const bool lists = shadow != window->lstSkinBones->isVisibleTo(window->fraEditing) && shadow == (EditTarget == 1);
     state["target"] = lists ? Down(EditTarget, window->optShadow) : "torn";
     state["mode"] = Down(DisplayMode, window->optMode);
-    state["bone"] = std::to_string(ActiveBone);
+    state["bone"] = Numbers({double(ActiveBone)});
     state["rows"] = Rows(window->lstSkinBones) + "|" + Rows(window->lstShadowBones);
-    state["row"] =
-        std::to_string(window->lstSkinBones->currentRow()) + "/" + std::to_string(window->lstShadowBones->currentRow());
+    state["row"] = Numbers({double(window->lstSkinBones->currentRow()), double(window->lstShadowBones->currentRow())});
     state["help"] = window->panels[0]->text().toStdString();
-    state["status"] = window->panels[1]
-                          ->text()
-                          .replace(QStringLiteral(" verts assigned to bone "), QStringLiteral(":"))
-                          .toStdString();
+    QString status = window->panels[1]->text();
+    state["status"] = status.replace(QStringLiteral(" verts assigned to bone "), QStringLiteral(":")).toStdString();
     state["title"] = window->windowTitle().toStdString();
     state["skin"] = RoleText(SkinMesh);
     state["shadow"] = RoleText(ShadowMesh);
-    state["place"] = Float(SkinScale) + "," + Float(SkinOffset.X);
+    state["place"] = Numbers({SkinScale, SkinOffset.X});
     for (const MvmMesh& mesh : Meshes) {
         state["meshes"] += " " + mesh.Name + "/" + std::to_string(mesh.NormalCount()) + (mesh.IsSkin ? "s" : "");
     }
     for (const MvmInstance& instance : Instances) {
         state["instances"] += " " + instance.Name + "/" + instance.Mesh;
     }
-    state["numbers"] =
-        std::to_string(PointSize) + " " + Float(MirrorVertexThreshold) + " " + Float(MirrorBoneThreshold);
+    state["numbers"] = Numbers({double(PointSize), MirrorVertexThreshold, MirrorBoneThreshold});
     state["file"] = CurrentFile;
     state["last"] = LastPath;
     state["open"] = ModelOpen ? "yes" : "no";
@@ -215,11 +210,11 @@ TEST(Commands, AtTheStart)
     const UiWindow window;
     EXPECT_EQ(
         Changes({{"last", ProgramFolder()}}, Look(window)),
-        "bone=0; camera=0; ctrl=no; cursor=select 15,15; eye= 10 -200 0 0 -2; help=Ready...; menu=no; mode=2; mouse=0 "
+        "bone=0; camera=0; ctrl=no; cursor=select 15,15; eye=10 -200 0 0 -2; help=Ready...; menu=no; mode=2; mouse=0 "
         "0 0 0 0; nosleep=no; "
         "numbers=5 0.01 0.01; off +FileSave +FileSaveAs +FileRevert +FileClose; on +ViewSolid +ViewGrid "
         "+ViewTextures +ViewLighting +ViewCullVerts +OptionsAlias +OptionsLineAA +OptionFilterTextures; "
-        "open=no; orbit=on; place=1,0; row=0/-1; rows=NONE|NONE; shadow=0:; shown=no; skin=0:; status=0:0; tab=0; "
+        "open=no; orbit=on; place=1 0; row=0 -1; rows=NONE|NONE; shadow=0:; shown=no; skin=0:; status=0:0; tab=0; "
         "target=0; title=BWRT 0.2.7; tool=0");
     EXPECT_GT(AliasFileCount(), 0);
 }
@@ -270,22 +265,22 @@ TEST(Commands, OfTheMouse)
     UiWindow window(SmallModel());
     Try(&window, R"(
 arcrot = cursor=arcrot 16,16; tool=1 || press left 10,10 = *mouse=1 10 10 10 10
-move 30,60 = *eye= 20 -196 0 0 -2; mouse=1 30 60 10 10 || release left 30,60 = *mouse=0 30 60 10 10
+move 30,60 = *eye=20 -196 0 0 -2; mouse=1 30 60 10 10 || release left 30,60 = *mouse=0 30 60 10 10
 press middle 10,10 = *cursor=pan2 15,15; mouse=4 10 10 10 10
-move 30,60 = *eye= 20 -196 0.02 -0.05 -2; mouse=4 30 60 10 10
+move 30,60 = *eye=20 -196 0.02 -0.05 -2; mouse=4 30 60 10 10
 release middle 30,60 = *cursor=arcrot 16,16; mouse=0 30 60 10 10
 pan = cursor=pan1 15,15; tool=2 || press left 1,1 = *cursor=pan2 15,15; mouse=1 1 1 1 1
-move -19,51 = *eye= 20 -196 0 -0.1 -2; mouse=1 -19 51 1 1
+move -19,51 = *eye=20 -196 0 -0.1 -2; mouse=1 -19 51 1 1
 release left -19,51 = *cursor=pan1 15,15; mouse=0 -19 51 1 1
 zoom = cursor=zoom 12,13; tool=3 || press left 9,1 = *mouse=1 9 1 9 1
-move 9,51 = *eye= 20 -196 0 -0.1 -2.5; mouse=1 9 51 9 1 || release left 9,50 = *mouse=0 9 50 9 1
+move 9,51 = *eye=20 -196 0 -0.1 -2.5; mouse=1 9 51 9 1 || release left 9,50 = *mouse=0 9 50 9 1
 press right 5,5 = cursor=select 15,15; tool=0 || release right 9,50 = * || press left 9,50 = *mouse=1 9 50 9 50
 press right 9,50 = menu=yes || press back 7,7 = || move 8,8 = *mouse=1 8 8 9 50 || release left 8,8 = *mouse=0 8 8 9 50
 wheel 120 lstAnimation = || tab 1 = *tab=1 || press left 1,1 = *mouse=1 1 1 1 1 || release left 2,2 = *mouse=0 2 2 1 1
-wheel 120 = *eye= 20 -196 0 -0.1 -2.4 || wheel -240 = *eye= 20 -196 0 -0.1 -2.6 || wheel 30 = || wheel 60 =
-wheel 30 = *eye= 20 -196 0 -0.1 -2.5 || wheel 90 = || wheel -30 = || wheel -90 = *eye= 20 -196 0 -0.1 -2.6
-wheel 120 tabMainHeadings = *eye= 20 -196 0 -0.1 -2.5 || wheel 120 lstSkinBones =
-optShadow1 = *row=0/0; status=1:0; target=1 || wheel 120 lstShadowBones =)");
+wheel 120 = *eye=20 -196 0 -0.1 -2.4 || wheel -240 = *eye=20 -196 0 -0.1 -2.6 || wheel 30 = || wheel 60 =
+wheel 30 = *eye=20 -196 0 -0.1 -2.5 || wheel 90 = || wheel -30 = || wheel -90 = *eye=20 -196 0 -0.1 -2.6
+wheel 120 tabMainHeadings = *eye=20 -196 0 -0.1 -2.5 || wheel 120 lstSkinBones =
+optShadow1 = *row=0 0; status=1:0; target=1 || wheel 120 lstShadowBones =)");
     // A release that went elsewhere, and another window that takes the keyboard, end a drag.
     for (const bool moved : {true, false}) {
         window.Do("press middle 20,20");
@@ -302,15 +297,15 @@ TEST(Commands, OfEditing)
     Try(&window, R"(
 tab 1 = *tab=1 || cmdSwap =
 cmdUnAssign {? No bone selected, would you like to unassign all bones? > No} = *
-row 2 = *bone=2; row=2/-1; status=0:2 || cmdReAssign {Bones 2 > 1 cmdCancel} = || cmdReAssign {Bones 2 > 0 cmdOK} =
-row 0 = *bone=0; row=0/-1; status=3:0
-cmdReAssign {Bones 0 > 2 cmdOK} = *bone=2; row=2/-1; skin=1:1222; status=3:2
-cmdSwap {Bones 2 > 1 cmdOK} = *bone=1; row=1/-1; skin=1:2111; status=3:1
-row 3 = *bone=3; row=3/-1; status=0:3 || cmdSwap {Bones 3 > 2 cmdCancel} = || cmdSwap {Bones 3 > 0 cmdOK} =
-cmdSwap {Bones 3 > 2 cmdOK} = *bone=2; row=2/-1; skin=1:3111; status=0:2 || row 1 = *bone=1; row=1/-1; status=3:1
+row 2 = *bone=2; row=2 -1; status=0:2 || cmdReAssign {Bones 2 > 1 cmdCancel} = || cmdReAssign {Bones 2 > 0 cmdOK} =
+row 0 = *bone=0; row=0 -1; status=3:0
+cmdReAssign {Bones 0 > 2 cmdOK} = *bone=2; row=2 -1; skin=1:1222; status=3:2
+cmdSwap {Bones 2 > 1 cmdOK} = *bone=1; row=1 -1; skin=1:2111; status=3:1
+row 3 = *bone=3; row=3 -1; status=0:3 || cmdSwap {Bones 3 > 2 cmdCancel} = || cmdSwap {Bones 3 > 0 cmdOK} =
+cmdSwap {Bones 3 > 2 cmdOK} = *bone=2; row=2 -1; skin=1:3111; status=0:2 || row 1 = *bone=1; row=1 -1; status=3:1
 cmdSaveWeights {Save Weights|save ~/||Weights Information File (*.wif) > Esc} =
 cmdSaveWeights {Save Weights... > ~/w.wif} {i File saved. > OK} = files= a.mvm w.wif; last=~/w.wif
-cmdUnAssign = *skin=1:3000 || row 0 = *bone=0; row=0/-1; status=3:0
+cmdUnAssign = *skin=1:3000 || row 0 = *bone=0; row=0 -1; status=3:0
 cmdUnAssign {? No bone... > Yes} = *skin=1:0000
 cmdLoadWeights {Load Weights|open ~/||Weights Information File (*.wif) > w.wif} {Load Weights > cmdCancel} = *
 cmdLoadWeights {Load Weights|open ~/||... > w.wif} {Load Weights > optAssignMode1 cmdOK} = *skin=1:3111
@@ -318,13 +313,13 @@ cmdUnAssign {? No bone... > Yes} = *skin=1:0000
 cmdLoadWeights {L... > ~/none} {! File does not exist. > OK} {L... > ~/w.wif} {Load Weights > cmdOK} = *skin=1:3111
 cmdMirror {Mirror Weights > Esc} = || cmdMirror {Mirror Weights > cmdOK} = *log=1 : 2; shown=dirty; skin=1:2111
 cmdMirror {Mirror Weights > chkReassign optMirror1 cmdOK} = *log=2 : 1 || cmdMirror {M... > cmdCancel} =
-row 1 = *bone=1; row=1/-1; status=3:1 || cmdUnAssign = *skin=1:2000
+row 1 = *bone=1; row=1 -1; status=3:1 || cmdUnAssign = *skin=1:2000
 cmdMirror {Mirror Weights > optMirror1 cmdOK} = *log=2 : 1; skin=1:2100
-row 2 = *bone=2; row=2/-1; status=1:2 || cmdUnAssign = *skin=1:0100
+row 2 = *bone=2; row=2 -1; status=1:2 || cmdUnAssign = *skin=1:0100
 cmdMirror {M... > optMirror1 chkReassign chkUnassign chkReassign cmdOK} = *log=2 : 1; skin=1:0000
-optShadow1 = *bone=0; row=2/0; status=1:0; target=1 || row 1 = *bone=4; row=2/1; status=0:4 || optShadow1 =
+optShadow1 = *bone=0; row=2 0; status=1:0; target=1 || row 1 = *bone=4; row=2 1; status=0:4 || optShadow1 =
 optShadow0 = *bone=2; status=0:2; target=0 || optShadow1 = *bone=4; status=0:4; target=1
-row 2 = *bone=5; row=2/2; status=1:5 || cmdReAssign {Bones 5 > 2 cmdOK} = *bone=2; shadow=2:02; status=1:2
+row 2 = *bone=5; row=2 2; status=1:5 || cmdReAssign {Bones 5 > 2 cmdOK} = *bone=2; shadow=2:02; status=1:2
 cmdSaveWeights {S... > ~/w.wif} {! w.wif already exists.|Do you want to replace it? > Yes} {i File saved. > OK} =
  log=1 vertex of mesh "$Shadow" of bone "Left02" will belong to bone "$j$High02" after the next load of the model:
  theirs is no shadow bone.; shown=yes
@@ -333,8 +328,8 @@ cmdSelectSkinMesh {Meshes 1 > 3 cmdOK} {! No instance with the name "Plain" foun
  $Shadow/0s Plain/0s; skin=3:0
 cmdSelectShadowMesh {Meshes 2 > 0 cmdCancel} = || cmdSelectShadowMesh {Meshes 2 > 0 cmdOK} = *shadow=0:
 cmdUnAssign = || cmdMirror = || cmdSelectShadowMesh {Meshes 0 > 1 cmdOK} = *shadow=1:0000
-cmdSelectSkinMesh {Meshes 3 > 0 cmdOK} = *place=1,0; skin=0: || cmdSelectSkinMesh {Meshes 0 > 1 cmdOK} =
- *place=2,0; skin=1:0000)");
+cmdSelectSkinMesh {Meshes 3 > 0 cmdOK} = *place=1 0; skin=0: || cmdSelectSkinMesh {Meshes 0 > 1 cmdOK} =
+ *place=2 0; skin=1:0000)");
 }
 
 TEST(Commands, OfTheTools)
@@ -407,12 +402,12 @@ TEST(Commands, OfTheDocument)
 mnuFileOpen {Open File|open ~/||Morvane Models (*.mvm) > Esc} = help=Ready...
 mnuFileOpen {O... > ~/none} {! File does not exist. > OK} {Open File|open ~/||... > ~/b.mvm} = *file=~/b.mvm;
  instances= Trunk/Body $Shadow/$Shadow; last=~/b.mvm; log=Texture "absent.bmp" not found.; meshes= Body/0s
- $Shadow/0s Plain/0; off -FileSave -FileSaveAs -FileRevert -FileClose; open=yes; place=2,0;
+ $Shadow/0s Plain/0; off -FileSave -FileSaveAs -FileRevert -FileClose; open=yes; place=2 0;
  rows=NONE,Arm,Left02,Top03|NONE,$j$Low01,$j$High02; shadow=2:05; shown=yes; skin=1:1000; status=3:0; title=BWRT
  0.2.7 - [~/b.mvm]
-tab 1 = *tab=1 || row 1 = *bone=1; row=1/-1; status=1:1 || cmdUnAssign = *skin=1:0000
+tab 1 = *tab=1 || row 1 = *bone=1; row=1 -1; status=1:1 || cmdUnAssign = *skin=1:0000
 mnuFileRevert {! Any changes to open files will be lost.|Continue? > No} =
-mnuFileRevert {! Any... > Yes} = *bone=0; row=0/-1; shown=yes; skin=1:1000; status=3:0
+mnuFileRevert {! Any... > Yes} = *bone=0; row=0 -1; shown=yes; skin=1:1000; status=3:0
 mnuFileSaveAs {Save File|save ~/|b.mvm|Morvane Models (*.mvm) > Esc} =
 mnuFileSaveAs {S... > ~/c.mvm} = file=~/c.mvm; files= b.mvm c.mvm; last=~/c.mvm; title=BWRT 0.2.7 - [~/c.mvm]
 cmdUnAssign {? No bone... > Yes} = *skin=1:0000 || mnuFileSave = || mnuFileRevert {! Any... > Yes} = *shown=yes;
@@ -422,12 +417,12 @@ mnuFileNew {! Any changes to open files will be lost.|Continue? > No} = || mnuFi
 mnuFileClose {! Any... > Yes} = *file=; log=; off +FileSave +FileSaveAs +FileRevert +FileClose; open=no;
  rows=NONE|NONE; shadow=0:; skin=0:; status=0:0; title=BWRT 0.2.7
 mnuFileNew {New Vorrel -1 > test cmdBrowse cmdOK} {V... > ~/none} {x Runtime error in LoadMVM|... > OK} {! Cannot
- load skin model file. Please verify the content of this file. > OK} = *last=~/none; place=1,0
+ load skin model file. Please verify the content of this file. > OK} = *last=~/none; place=1 0
 mnuFileNew {New Vorrel... > cmdCancel} =
 mnuFileNew {New Vorrel -1 > cmdBrowse test cmdOK} {Vorrel Skin Model File|open ~/||Morvane Models (*.mvm) >
  ~/c.mvm} {i Please select the model you want to use as skin. > OK} {Meshes 0 > 3 cmdOK} {! No instance... > OK} =
  *instances= Trunk/Body $Shadow/$Shadow; last=~/c.mvm; log=Texture "absent.bmp" not found.; meshes= Body/0s
- $Shadow/0s Plain/0s; off -FileSave -FileSaveAs -FileClose; open=yes; place=2,0;
+ $Shadow/0s Plain/0s; off -FileSave -FileSaveAs -FileClose; open=yes; place=2 0;
  rows=NONE,Preset09,Right01,Left02,Head|NONE,$j$Low01,$j$High02; shadow=2:06; shown=dirty; skin=3:0; status=1:0
 mnuFileSave {Save File|save ~/||Morvane Models (*.mvm) > ~/d.mvm} = file=~/d.mvm; files= b.mvm c.mvm d.mvm;
  last=~/d.mvm; shown=yes; title=BWRT 0.2.7 - [~/d.mvm]

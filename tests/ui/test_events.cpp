@@ -66,27 +66,17 @@ TEST(WindowKeys, CtrlTurnsThemOffUntilAKeyGoesUpOnTheView)
 TEST(WindowKeys, AreTakenByTheirPlaceOnOtherAlphabets)
 {
     const UiWindow window;
-    const struct {
-        int Key;
-        quint32 Scan;
-        int Camera, Tool;
-    } keys[] = {{0x415, 28, 7, 0}, // Cyrillic, on the key of T
-                {0x39B, 46, 5, 0}, // Greek, on the key of L
-                {0x3A8, 54, 2, 0}, // on the key of C, the last row
-                {0x6CC, 40, 1, 0}, // Arabic, on the key of D, which does nothing
-                {Qt::Key_Ampersand, 10, 1, 0},
-                {Qt::Key_QuoteDbl, 12, 1, 2},
-                {Qt::Key_Apostrophe, 13, 1, 3},
-                {Qt::Key_Slash, 14, 1, 3}, // the key of 5
-                {Qt::Key_T, 46, 7, 3},     // a Latin layout of another order
-                {0xD6, 46, 1, 3},          // a Latin letter of its own
-                {Qt::Key_Left, 28, 1, 3}}; // no letter at all
-    for (const auto& k : keys) {
+    // Key, scan code, camera, tool: Cyrillic on the key of T, Greek on L and C, Arabic on D, which does nothing; signs on 1, 3,
+    // 4 and 5; T of a Latin layout of another order, a Latin letter of its own, and no letter at all.
+    const std::array<int, 4> keys[] = {{0x415, 28, 7, 0}, {0x39B, 46, 5, 0}, {0x3A8, 54, 2, 0},       {0x6CC, 40, 1, 0},
+                                       {'&', 10, 1, 0},   {'"', 12, 1, 2},   {'\'', 13, 1, 3},        {'/', 14, 1, 3},
+                                       {'T', 46, 7, 3},   {0xD6, 46, 1, 3},  {Qt::Key_Left, 28, 1, 3}};
+    for (const auto& [key, scan, camera, tool] : keys) {
         window->SetCamera(1);
-        QKeyEvent event(QEvent::KeyPress, k.Key, Qt::NoModifier, k.Scan, 0, 0);
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, static_cast<quint32>(scan), 0, 0);
         QApplication::sendEvent(window->picMain, &event);
-        EXPECT_EQ(CurrentCamera, k.Camera) << k.Key;
-        EXPECT_EQ(ToolMode, k.Tool) << k.Key;
+        EXPECT_EQ(CurrentCamera, camera) << key;
+        EXPECT_EQ(ToolMode, tool) << key;
     }
 }
 
@@ -100,22 +90,17 @@ TEST(WindowKeys, TabReachesEveryControlAndArrowsTheirGroup)
     QTest::keyClick(window->tabMain->tabBar(), Qt::Key_Right);
     EXPECT_EQ(Walk(window), "picMain tabMainHeadings optShadow0 lstSkinBones cmdSelectSkinMesh cmdSelectShadowMesh "
                             "cmdUnAssign cmdReAssign cmdSwap cmdMirror cmdLoadWeights cmdSaveWeights optMode2 select ");
-    const struct {
-        QWidget* From;
-        Qt::Key Key;
-        const char* To;
-        const int16_t* Value;
-        int Becomes;
-    } arrows[] = {{window->optShadow[0], Qt::Key_Right, "optShadow1", &EditTarget, 1},
-                  {window->optShadow[1], Qt::Key_Left, "optShadow0", &EditTarget, 0},
-                  {window->optMode[2], Qt::Key_Left, "optMode1", &DisplayMode, 1},
-                  {window->toolButtons[0], Qt::Key_Right, "arcrot", &ToolMode, 1},
-                  {window->lstSkinBones, Qt::Key_Down, "lstSkinBones", &ActiveBone, 1}};
-    for (const auto& a : arrows) {
-        a.From->setFocus();
-        QTest::keyClick(a.From, a.Key);
-        EXPECT_EQ(FocusName(window), a.To);
-        EXPECT_EQ(*a.Value, a.Becomes) << a.To;
+    const std::tuple<QWidget*, Qt::Key, const char*, const int16_t*, int> arrows[] = {
+        {window->optShadow[0], Qt::Key_Right, "optShadow1", &EditTarget, 1},
+        {window->optShadow[1], Qt::Key_Left, "optShadow0", &EditTarget, 0},
+        {window->optMode[2], Qt::Key_Left, "optMode1", &DisplayMode, 1},
+        {window->toolButtons[0], Qt::Key_Right, "arcrot", &ToolMode, 1},
+        {window->lstSkinBones, Qt::Key_Down, "lstSkinBones", &ActiveBone, 1}};
+    for (const auto& [from, key, to, value, becomes] : arrows) {
+        from->setFocus();
+        QTest::keyClick(from, key);
+        EXPECT_EQ(FocusName(window), to);
+        EXPECT_EQ(*value, becomes) << to;
     }
     EXPECT_EQ(Walk(window, Qt::Key_Backtab).substr(0, 24), "picMain arcrot optMode1 ");
     const bool shows = window->viewEdge->autoFillBackground();
@@ -127,32 +112,28 @@ TEST(WindowEvents, ADropOpensTheFirstModelOfIt)
 {
     const UiWindow window;
     const std::string path = window.Folder / "a%20\xC3\xB6.MVM";
-    PutFile(path, BoardModel(4));
-    PutFile(window.Folder / "b.txt", BoardModel(4));
-    const std::string url = "file://" + window.Folder.Path + "a%2520%C3%B6.MVM";
-    const struct {
-        std::string Dropped;
-        bool Opens;
-    } drops[] = {{"file://" + window.Folder / "b.txt\n" + url, false},
-                 {"file://" + window.Folder.Path, false},
-                 {"http://x/a.mvm\n" + url, false},
-                 {"file://" + window.Folder.Path + "none.mvm", false},
-                 {"# a note\r\n\r\n" + url + "\r\nfile:///b.txt", true},
-                 {"FILE:" + window.Folder.Path + "a%2520%C3%B6.MVM%00.txt", true}};
-    for (const auto& drop : drops) {
+    PutFile(path, SmallModel());
+    PutFile(window.Folder / "b.txt", SmallModel());
+    const std::string folder = "file://" + window.Folder.Path;
+    const std::string url = folder + "a%2520%C3%B6.MVM";
+    const std::pair<std::string, bool> drops[] = {
+        {folder + "b.txt\n" + url, false},         {folder, false},
+        {"http://x/a.mvm\n" + url, false},         {folder + "none.mvm", false},
+        {"# a note\r\n\r\n" + url + "\r\n", true}, {"FILE:" + url.substr(7) + "%00.txt", true}};
+    for (const auto& [dropped, opens] : drops) {
         ModelOpen = false;
         QMimeData data;
-        data.setData(QStringLiteral("text/uri-list"), QByteArray::fromStdString(drop.Dropped));
+        data.setData(QStringLiteral("text/uri-list"), QByteArray::fromStdString(dropped));
         QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
-        enter.ignore();
         QDropEvent event(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, {});
-        event.ignore();
-        static_cast<QObject&>(*window).event(&enter);
-        static_cast<QObject&>(*window).event(&event);
-        EXPECT_TRUE(enter.isAccepted() && event.isAccepted());
+        for (QEvent* each : {static_cast<QEvent*>(&enter), static_cast<QEvent*>(&event)}) {
+            each->ignore();
+            static_cast<QObject&>(*window).event(each);
+            EXPECT_TRUE(each->isAccepted());
+        }
         EXPECT_FALSE(ModelOpen) << "the load must wait until the drop has been answered";
         QCoreApplication::processEvents();
-        EXPECT_EQ(ModelOpen, drop.Opens) << drop.Dropped;
+        EXPECT_EQ(ModelOpen, opens) << dropped;
     }
     EXPECT_EQ(CurrentFile, path);
     const Script script({Question + "No"});
@@ -162,20 +143,17 @@ TEST(WindowEvents, ADropOpensTheFirstModelOfIt)
 TEST(WindowEvents, TheProgressStandsOnTheStatusBar)
 {
     const UiWindow window;
-    const struct {
-        int32_t Maximum, Value;
-        const char* Percent;
-        int Bar;
-    } cases[] = {{0, 5, "100%", 1},    {1000, 0, "0%", 1},      {1000, 5, "0%", 5},
-                 {1000, 15, "2%", 15}, {200, 199, "100%", 199}, {1000, 5000, "100%", 1000}};
+    const std::tuple<int32_t, int32_t, const char*, int> steps[] = {
+        {0, 5, "100%", 1},    {1000, 0, "0%", 1},      {1000, 5, "0%", 5},
+        {1000, 15, "2%", 15}, {200, 199, "100%", 199}, {1000, 5000, "100%", 1000}};
     const int64_t usual = std::exchange(PumpInterval, 0);
-    for (const auto& c : cases) {
-        ProgressBegin(c.Maximum);
+    for (const auto& [maximum, value, percent, bar] : steps) {
+        ProgressBegin(maximum);
         EXPECT_TRUE(window->pgbProgress->isVisible() && window->txtProgress->isVisible());
         EXPECT_EQ(window->pgbProgress->value(), 0);
-        ProgressStep(c.Value);
-        EXPECT_EQ(window->txtProgress->text().toStdString(), c.Percent) << c.Value << " of " << c.Maximum;
-        EXPECT_EQ(window->pgbProgress->value(), c.Bar);
+        ProgressStep(value);
+        EXPECT_EQ(window->txtProgress->text().toStdString(), percent) << value;
+        EXPECT_EQ(window->pgbProgress->value(), bar);
         ProgressEnd();
         EXPECT_FALSE(window->pgbProgress->isVisible() || window->txtProgress->isVisible());
     }

@@ -77,6 +77,8 @@ TEST(WindowBuild, TheMenuTreeIsWhole)
               "Threshold..., Mirroring Bone Threshold..., Point Size..., -, Anti-Aliased Points/Lines x, Filter/Mipmap "
               "Textures x], Window[Info Log], Help[Readme..., -, OpenGL Info..., -, About...]");
     // Alt and the first letter open a menu, F10 the first one.
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&*window));
     QTest::keyClick(window->picMain, Qt::Key_V, Qt::AltModifier);
     EXPECT_EQ(window->menuBar()->activeAction(), window->Entry("mnuView"));
     window->Entry("mnuView")->menu()->close();
@@ -157,12 +159,7 @@ TEST(WindowBuild, TheDialogsSayWhatTheyAsk)
 {
     UiWindow window(SmallModel());
     window.Do("tab 1");
-    const struct {
-        const char* Trigger;
-        const char* Title;
-        bool Places;
-        std::string Parts;
-    } dialogs[] = {
+    const std::tuple<std::string, const char*, bool, std::string> dialogs[] = {
         {"cmdMirror", "Mirror Weights", false,
          "optMirror0 'Left To Right' checked focus; cmdOK 'OK' default; optMirror1 'Right To Left'; cmdCancel "
          "'Cancel'; chkReassign 'Keep Existing Weights' checked; chkUnassign 'Un-assign if no match found' disabled; "
@@ -183,24 +180,22 @@ TEST(WindowBuild, TheDialogsSayWhatTheyAsk)
          "optAssignMode0 'Assign By Index' checked focus; cmdOK 'OK' default; optAssignMode1 'Assign By Position'; "
          "cmdCancel 'Cancel';"}};
     const QRegularExpression driver(QStringLiteral("(Vendor: |Renderer: |Version: )[^']+'"));
-    for (const auto& d : dialogs) {
-        const Step look("Esc", [&](QDialog* dialog) {
-            EXPECT_EQ(dialog->windowTitle().toStdString(), d.Title);
-            EXPECT_EQ(
-                QString::fromStdString(Parts(dialog, d.Places)).replace(driver, QStringLiteral("\\1?'")).toStdString(),
-                d.Parts);
+    for (const auto& [trigger, title, places, parts] : dialogs) {
+        const Step look("Esc", [&, wantedTitle = title, withPlaces = places, wanted = parts](QDialog* dialog) {
+            EXPECT_EQ(dialog->windowTitle().toStdString(), wantedTitle);
+            QString shown = QString::fromStdString(Parts(dialog, withPlaces));
+            EXPECT_EQ(shown.replace(driver, QStringLiteral("\\1?'")).toStdString(), wanted);
             if (const auto* list = dialog->findChild<QListWidget*>(QStringLiteral("lstExtensions"))) {
                 const std::string extensions = QueryOpenGLInfo().Extensions;
                 EXPECT_EQ(list->count(), std::count(extensions.begin(), extensions.end(), ' '));
             }
         });
-        if (d.Trigger == std::string("weights")) {
+        ModelOpen = false;
+        if (trigger == "weights") {
             const Script script({look});
             AskWeightsAssignMode();
-        } else if (d.Places) {
-            window.Do(d.Trigger, {Question + "Yes", look});
         } else {
-            window.Do(d.Trigger, {look});
+            window.Do(trigger, {look});
         }
     }
 }

@@ -125,18 +125,3 @@ TEST(WindowDisplays, ABoxTakesWhatItsRubberBandHolds)
     EXPECT_LT(inside, 75);
     EXPECT_EQ(window->panels[1]->text().toStdString(), std::to_string(inside) + " verts assigned to bone 1");
 }
-
-TEST(WindowDisplays, TheCameraLabelKeepsItsSize)
-{
-    const UiWindow window;
-    const double scale = window->picMain->devicePixelRatioF();
-    window.Do("mnuViewGrid");
-    window->SetCamera(3);
-    const QImage front = Picture(*window);
-    window->SetCamera(4);
-    // With no model and no grid the label is all that two cameras along an axis differ in.
-    const QRectF label = Difference(front, Picture(*window));
-    EXPECT_LE(label.right() / scale, 90);
-    EXPECT_LE(label.height() / scale, 17);
-    EXPECT_GE(label.height() / scale, 6);
-}

@@ -7,31 +7,25 @@
 
 namespace {
 
-/// Does something at each event round while a load is under way, 8 times at most.
-class DuringLoad {
-public:
-    explicit DuringLoad(std::function<void()> act)
-    {
-        QObject::connect(&timer, &QTimer::timeout, &timer, [this, act, acting = false]() mutable {
-            if (LoadRunning && !acting && Rounds < 8) {
-                PumpInterval = ++Rounds < 8 ? 0 : 1'000'000'000; // then the rest is read in one go
-                acting = true;                                   // what it does can serve events of its own
-                act();
-                acting = false;
-            }
-        });
-        timer.start(0);
-        PumpInterval = 0; // however fast the machine is, each step of the load serves events
-    }
-    ~DuringLoad() { PumpInterval = usualInterval; }
-    DuringLoad(const DuringLoad&) = delete;
-    DuringLoad& operator=(const DuringLoad&) = delete;
-    int Rounds = 0;
-
-private:
+/// Does something at each event round of a load, 8 times at most. Gives how often.
+int WhileLoading(const std::function<void()>& act, const std::function<void()>& load)
+{
+    int rounds = 0;
     QTimer timer;
-    int64_t usualInterval = PumpInterval;
-};
+    QObject::connect(&timer, &QTimer::timeout, &timer, [&rounds, &act, acting = false]() mutable {
+        if (LoadRunning && !acting && rounds < 8) {
+            PumpInterval = ++rounds < 8 ? 0 : 1'000'000'000; // then the rest is read in one go
+            acting = true;                                   // what it does can serve events of its own
+            act();
+            acting = false;
+        }
+    });
+    timer.start(0);
+    const int64_t usual = std::exchange(PumpInterval, 0); // however fast the machine is, each step serves events
+    load();
+    PumpInterval = usual;
+    return rounds;
+}
 
 /// All that a hand can reach in the window, except what ends the program or asks the desktop to open something.
 void DoEverything(const UiWindow& window)
@@ -83,15 +77,14 @@ TEST(WindowLoad, NothingTheUserDoesHarmsTheLoad)
     window.Do("mnuFileClose", {Question + "Yes"});
     window.Edit(0);
     window->lstSkinBones->setFocus();
-    const DuringLoad user([&] {
+    const auto disturb = [&] {
         window->DropFile(window.Folder / "other.mvm");
         EXPECT_TRUE(window->panels[0]->text().startsWith(QStringLiteral("The dropped file was not opened")));
         EXPECT_FALSE(window->Entry("mnuFileOpen")->isEnabled() || window->fraEditing->isEnabled());
         EXPECT_TRUE(window->Entry("mnuFileExit")->isEnabled() && window->pgbProgress->isVisible());
         DoEverything(window);
-    });
-    window->OpenFile(window.Folder / "a.mvm");
-    EXPECT_GT(user.Rounds, 5) << "the load was too short to be disturbed";
+    };
+    EXPECT_GT(WhileLoading(disturb, [&] { window->OpenFile(window.Folder / "a.mvm"); }), 5);
     EXPECT_TRUE(ModelOpen);
     EXPECT_TRUE(SceneText() == undisturbed);
     EXPECT_TRUE(window->Entry("mnuFileOpen")->isEnabled() && window->fraEditing->isEnabled());
@@ -106,16 +99,15 @@ TEST(WindowLoad, ClosingTheWindowEndsTheLoadAndTheProgram)
         const UiWindow window;
         LastPath = window.Folder.Path;
         PutFile(window.Folder / "long.mvm", BoardModel(120));
-        const DuringLoad user([&] {
+        const auto close = [&] {
             EXPECT_FALSE(window->close());
             EXPECT_EQ(window->panels[0]->text(), QStringLiteral("Closing..."));
-        });
-        if (fromNew) {
-            window.Do("mnuFileNew", {"New Vorrel -1 > test cmdBrowse cmdOK", "V... > ~/long.mvm"});
-        } else {
-            window.Do("mnuFileOpen", {"O... > ~/long.mvm"});
-        }
-        EXPECT_GT(user.Rounds, 0);
+        };
+        const auto load = [&] {
+            const std::deque<Step> both = {"New Vorrel -1 > test cmdBrowse cmdOK", "V... > ~/long.mvm"};
+            window.Do(fromNew ? "mnuFileNew" : "mnuFileOpen", fromNew ? both : std::deque<Step>{"O... > ~/long.mvm"});
+        };
+        EXPECT_GT(WhileLoading(close, load), 0);
         EXPECT_TRUE(window->Unloaded() && !window->isVisible());
         EXPECT_FALSE(StopRequested || ModelOpen);
     }
