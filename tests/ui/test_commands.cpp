@@ -179,8 +179,8 @@ struct Away {
     Away& operator=(const Away&) = delete;
 };
 
-/// Starts commands, of which each stands behind a line end or " || " and may go on behind a blank: "widget {dialog} {dialog} = changes". A "*" before
-/// the changes stands for a view that is painted anew.
+/// Starts commands, "widget {dialog} {dialog} = changes", of which each stands behind a line end or " || "; a line that
+/// begins with a blank goes on with the one before. A "*" before the changes stands for a view that is painted anew.
 void Try(UiWindow* window, const char* commands)
 {
     const QString lines = QString::fromUtf8(commands)
@@ -211,8 +211,8 @@ TEST(Commands, AtTheStart)
     EXPECT_EQ(
         Changes({{"last", ProgramFolder()}}, Look(window)),
         "bone=0; camera=0; ctrl=no; cursor=select 15,15; eye=10 -200 0 0 -2; help=Ready...; menu=no; mode=2; mouse=0 "
-        "0 0 0 0; nosleep=no; "
-        "numbers=5 0.01 0.01; off +FileSave +FileSaveAs +FileRevert +FileClose; on +ViewSolid +ViewGrid "
+        "0 0 0 0; nosleep=no; numbers=5 0.01 0.01; off +FileSave +FileSaveAs +FileRevert +FileClose; on +ViewSolid "
+        "+ViewGrid "
         "+ViewTextures +ViewLighting +ViewCullVerts +OptionsAlias +OptionsLineAA +OptionFilterTextures; "
         "open=no; orbit=on; place=1 0; row=0 -1; rows=NONE|NONE; shadow=0:; shown=no; skin=0:; status=0:0; tab=0; "
         "target=0; title=BWRT 0.2.7; tool=0");

@@ -41,27 +41,22 @@ TEST(Choosers, OfferTheRowsAndKeepOneMarked)
     Meshes.Add().Name = "skin_<b>\xE9";
     Bones.Add().Name = "leg01";
     Bones[1].Alias = "Left leg";
-    const auto row = [](const char* text, bool click = false) {
-        return [text, click](QDialog* dialog) {
+    const auto row = [](const char* text) {
+        return [text](QDialog* dialog) {
             auto* list = dialog->findChild<QListWidget*>();
-            ASSERT_EQ(list->count(), 2);
             EXPECT_EQ(list->item(1)->text().toStdString(), text);
             const QPoint place = list->visualItemRect(list->item(1)).center();
-            if (click) {
-                QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, place);
-                QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, place);
-                EXPECT_TRUE(dialog->isVisible());
-                QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, place);
-                EXPECT_TRUE(list->item(1)->isSelected());
-                QTest::keyClick(list, Qt::Key_Return);
-            }
+            QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, place);
+            QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, place);
+            QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, place);
+            EXPECT_TRUE(dialog->isVisible() && list->item(1)->isSelected());
         };
     };
     const auto full = [](QDialog* dialog) {
         EXPECT_EQ(dialog->findChild<QListWidget*>()->count(), 32'768) << "no row that the answer cannot hold";
     };
     const Script script({Step("Meshes 0 > Close", row("skin_<b>\u00e9")), "Meshes 0 > cmdOK",
-                         Step("", row("skin_<b>\u00e9", true)), Step("Bones 1 > cmdOK", row("Left leg")),
+                         Step("Meshes 0 > cmdOK", row("skin_<b>\u00e9")), Step("Bones 1 > cmdOK", row("Left leg")),
                          Step("Bones 0 > Esc", row("leg01")), Step("Meshes 0 > 32767 cmdOK", full)});
     EXPECT_EQ(ChooseMesh(2), -1);
     EXPECT_EQ(ChooseMesh(-1), 0);
