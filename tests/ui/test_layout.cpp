@@ -23,13 +23,6 @@ std::string Tell(const QList<QAction*>& actions)
     return entries.join(QStringLiteral(", ")).toStdString();
 }
 
-std::string TextOf(const QWidget* widget)
-{
-    const auto* button = qobject_cast<const QAbstractButton*>(widget);
-    const auto* label = qobject_cast<const QLabel*>(widget);
-    return (button != nullptr ? button->text() : label != nullptr ? label->text() : QString()).toStdString();
-}
-
 /// The named parts from the top left to the bottom right: name, text, for a reader of the screen (in
 /// brackets), tip (in parentheses), what holds of it, and its place in its parent.
 std::string Parts(const QWidget* parent, bool places)
@@ -41,18 +34,16 @@ std::string Parts(const QWidget* parent, bool places)
     });
     std::string lines;
     for (const QWidget* part : parts) {
-        const auto* button = qobject_cast<const QAbstractButton*>(part);
-        const auto* push = qobject_cast<const QPushButton*>(part);
-        const auto* field = qobject_cast<const QLineEdit*>(part);
-        const std::string text = TextOf(part);
+        const std::string text = part->property("text").toString().toStdString();
         const std::string reader = part->accessibleName().toStdString();
         const std::string tip = part->toolTip().toStdString();
         lines += (lines.empty() ? "" : " ") + part->objectName().toStdString() +
                  (text.empty() ? "" : " '" + text + "'") + (reader.empty() ? "" : " [" + reader + "]") +
-                 (tip.empty() ? "" : " (" + tip + ")") + (button != nullptr && button->isChecked() ? " checked" : "") +
-                 (part->isEnabled() ? "" : " disabled") + (push != nullptr && push->isDefault() ? " default" : "") +
-                 (parent->focusWidget() == part ? " focus" : "") +
-                 (field != nullptr && field->isReadOnly() ? " readonly" : "");
+                 (tip.empty() ? "" : " (" + tip + ")");
+        for (const char* flag : {"checked", "default", "readOnly"}) {
+            lines += part->property(flag).toBool() ? std::string(" ") + flag : "";
+        }
+        lines += std::string(part->isEnabled() ? "" : " disabled") + (parent->focusWidget() == part ? " focus" : "");
         if (places) {
             const QRect r = part->geometry();
             lines += QStringLiteral(" %1,%2 %3x%4").arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height()).toStdString();
@@ -113,7 +104,7 @@ TEST(WindowBuild, TheWidgetsHaveTheirPlaces)
     }
     EXPECT_EQ(window->tabMain->tabText(0) + window->tabMain->tabText(1), QStringLiteral("ViewingEditing"));
     for (const QWidget* part : window->centralWidget()->findChildren<QWidget*>()) {
-        const QString text = QString::fromStdString(TextOf(part));
+        const QString text = part->property("text").toString();
         EXPECT_LE(QFontMetrics(part->font()).horizontalAdvance(text), part->contentsRect().width())
             << text.toStdString();
         EXPECT_GE(QFontInfo(part->font()).pixelSize(), text.isEmpty() ? 0 : 9) << text.toStdString();
@@ -177,7 +168,7 @@ TEST(WindowBuild, TheDialogsSayWhatTheyAsk)
          "lstExtensions [Supported extensions]; cmdClose 'Close' default focus;"},
         {"mnuFileNew", "New Vorrel", true,
          "Label2 'Vorrel skin model:' 4,3 98x13; cmdBrowse 'Browse...' default focus 4,20 65x25; txtModel [Vorrel skin "
-         "model:] readonly 76,23 153x19; Label1 'Select vorrel preset:' 4,50 111x13; lstPresets [Select vorrel "
+         "model:] readOnly 76,23 153x19; Label1 'Select vorrel preset:' 4,50 111x13; lstPresets [Select vorrel "
          "preset:] 4,68 225x108; cmdCancel 'Cancel' 92,182 65x25; cmdOK 'OK' disabled 164,182 65x25;"},
         {"weights", "Load Weights", false,
          "optAssignMode0 'Assign By Index' checked focus; cmdOK 'OK' default; optAssignMode1 'Assign By Position'; "
