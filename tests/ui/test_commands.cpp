@@ -170,14 +170,14 @@ std::string Changes(const State& before, const State& after)
     return changes;
 }
 
-/// Takes a file or a folder out of its place for as long as it stands.
-struct Away {
-    std::string Path;
-    explicit Away(std::string path) : Path(std::move(path)) { std::filesystem::rename(Path, Path + ".away"); }
-    ~Away() { std::filesystem::rename(Path + ".away", Path); }
-    Away(const Away&) = delete;
-    Away& operator=(const Away&) = delete;
-};
+/// Starts a command while a file or a folder beside the program is away.
+void DoWithout(const std::string& name, const UiWindow& window, const std::string& trigger, std::deque<Step> dialogs)
+{
+    const std::string path = ProgramFolder() + "/" + name;
+    std::filesystem::rename(path, path + ".away");
+    window.Do(trigger, std::move(dialogs));
+    std::filesystem::rename(path + ".away", path);
+}
 
 /// Starts commands, "widget {dialog} {dialog} = changes", of which each stands behind a line end or " || "; a line that
 /// begins with a blank goes on with the one before. A "*" before the changes stands for a view that is painted anew.
@@ -370,10 +370,7 @@ mnuOptionsMirrorBoneThreshold {Mirror Bone Threshold|New value:|1 > Esc} = numbe
 mnuOptionsPointsize {Point Size|Point size (in pixels):|5 > 99} = *numbers=10 0.01 0.01
 mnuOptionsPointsize {Point Size|Point size (in pixels):|10 > Esc} = *
 mnuHelpOpenglInfo {OpenGL Info -1 > cmdClose} = || mnuHelpAbout {About > cmdOk} =)");
-    {
-        const Away readme(ProgramFolder() + "/readme.html");
-        Try(&window, "mnuHelpReadme {! Cannot find readme file. > OK} =");
-    }
+    DoWithout("readme.html", window, "mnuHelpReadme", {"! Cannot find readme file. > OK"});
     // The desktop's handler is not waited for.
     const std::string note = window.Folder / "note";
     const std::string opener = window.Folder / "xdg-open";
@@ -428,10 +425,11 @@ mnuFileSave {Save File|save ~/||Morvane Models (*.mvm) > ~/d.mvm} = file=~/d.mvm
  last=~/d.mvm; shown=yes; title=BWRT 0.2.7 - [~/d.mvm]
 mnuFileExit {! Any changes to open files will be lost.|Continue? > No} =)");
     std::filesystem::remove(preset);
-    {
-        const Away presets(ProgramFolder() + "/presets");
-        window.Do("mnuFileNew", {Question + "Yes", "! Folder ... > OK", "New Vorrel -1 > Close"});
-    }
+    DoWithout("presets", window, "mnuFileNew",
+              {Question + "Yes",
+               "! Folder \"" + QString::fromStdString(ProgramFolder()).toLower().toStdString() +
+                   "\\presets\" does not exist.|Cannot generate list of presets. > OK",
+               "New Vorrel -1 > Close"});
     window.Do("mnuFileExit");
     EXPECT_TRUE(window->Unloaded());
     EXPECT_FALSE(ModelOpen || window->isVisible());
