@@ -174,7 +174,11 @@ std::string Changes(const State& before, const State& after)
 void DoWithout(const std::string& name, const UiWindow& window, const std::string& trigger, std::deque<Step> dialogs)
 {
     const std::string path = ProgramFolder() + "/" + name;
-    std::filesystem::rename(path, path + ".away");
+    // A run that was killed in the middle has left it there.
+    if (std::filesystem::exists(path)) {
+        std::filesystem::remove_all(path + ".away");
+        std::filesystem::rename(path, path + ".away");
+    }
     window.Do(trigger, std::move(dialogs));
     std::filesystem::rename(path + ".away", path);
 }
