@@ -116,7 +116,7 @@ TEST(FileChoosers, StartWhereTheyAreToldAndGuardWhatIsThere)
 TEST(NewModel, GoesOnOnlyWithAPresetAndAModelAndStopsWhenClosed)
 {
     const UiWindow window;
-    const std::string preset = ProgramFolder() + "/presets/test.preset";
+    const std::string preset = ProgramFolder() + "/presets/test.PRESET";
     PutFile(preset, BoardModel(100));
     PutFile(window.Folder / "b.mvm", "bone \"a\"\r\n{\r\n}\r\n");
     LastPath = window.Folder.Path;

@@ -93,7 +93,7 @@ TEST(WindowLoad, NothingTheUserDoesHarmsTheLoad)
 
 TEST(WindowLoad, ClosingTheWindowEndsTheLoadAndTheProgram)
 {
-    const std::string preset = ProgramFolder() + "/presets/test.preset";
+    const std::string preset = ProgramFolder() + "/presets/test.PRESET";
     PutFile(preset, BoardModel(120));
     for (const bool fromNew : {false, true}) {
         const UiWindow window;
