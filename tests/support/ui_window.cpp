@@ -1,33 +1,21 @@
 #include "support/ui_window.h"
 
-#include <array>
-#include <cmath>
-#include <numbers>
-#include <sstream>
-
-#include <QDialog>
-#include <QFileDialog>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMessageBox>
-#include <QTabBar>
-#include <QTabWidget>
-
-#include "app/modFrontEnd.h"
-#include "app/modMvmDef.h"
-#include "modDrag.h"
 #include "modSession.h"
-#include "modViewFlags.h"
 
-UiWindow::UiWindow(const std::string& commandLine)
+UiWindow::UiWindow(const std::string& model)
 {
     ResetSession();
     ResetDrag();
     ResetViewFlags();
-    LogDirty = false;
-    StopRequested = false;
+    TestFolder = Folder.Path;
+    std::string commandLine = model;
+    if (model.find('\n') != std::string::npos) {
+        commandLine = Folder / "a.mvm";
+        PutFile(commandLine, model);
+    }
     window = std::make_unique<frmMain>();
     window->Start(commandLine);
+    window->picMain->installEventFilter(this);
 }
 
 UiWindow::~UiWindow()
@@ -40,12 +28,65 @@ UiWindow::~UiWindow()
     ResetSession();
 }
 
+bool UiWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    Frames += event->type() == QEvent::Paint ? 1 : 0;
+    return QObject::eventFilter(watched, event);
+}
+
+bool UiWindow::Paints(const std::function<void()>& act, bool expected)
+{
+    QCoreApplication::processEvents();
+    window->repaint();
+    Frames = 0;
+    act();
+    return expected && QTest::qWaitFor([this] { return Frames > 0; }, 500);
+}
+
+void UiWindow::Do(const std::string& trigger, std::deque<Step> dialogs) const
+{
+    const Script script(std::move(dialogs));
+    const QStringList words = QString::fromStdString(trigger).split(u' ');
+    const QString last = words.back();
+    QWidget* view = window->picMain;
+    QWidget* widget = words.size() > 2 ? window->findChild<QWidget*>(words[2]) : view;
+    const QStringList place = last.split(u',');
+    const QPoint at(place[0].toInt(), place.back().toInt());
+    const auto button = [&words] {
+        const QStringList names = {QStringLiteral("left"), QStringLiteral("right"), QStringLiteral("middle")};
+        return static_cast<Qt::MouseButton>(1 << (words[1] == QStringLiteral("back") ? 3 : names.indexOf(words[1])));
+    };
+    if (trigger.starts_with("mnu")) {
+        window->Entry(trigger.c_str())->trigger();
+    } else if (words[0] == QStringLiteral("key")) {
+        const QKeyCombination keys = QKeySequence(words[1])[0];
+        QTest::keyClick(widget, keys.key(), keys.keyboardModifiers());
+    } else if (words[0] == QStringLiteral("wheel")) {
+        Wheel(widget, words[1].toInt());
+    } else if (words[0] == QStringLiteral("press")) {
+        QTest::mousePress(view, button(), {}, at);
+    } else if (words[0] == QStringLiteral("move")) {
+        QTest::mouseMove(view, at);
+    } else if (words[0] == QStringLiteral("release")) {
+        QTest::mouseRelease(view, button(), {}, at);
+    } else if (words[0] == QStringLiteral("focus")) {
+        window->findChild<QWidget*>(last)->setFocus();
+    } else if (words[0] == QStringLiteral("tab")) {
+        QTabBar* tabs = window->tabMain->tabBar();
+        QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(last.toInt()).center());
+    } else if (words[0] == QStringLiteral("row")) {
+        const QListWidget* list = window->ListOf(window->lstShadowBones->isVisible() ? 1 : 0);
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                          list->visualItemRect(list->item(last.toInt())).center());
+    } else {
+        Press(&*window, trigger);
+    }
+}
+
 void UiWindow::Edit(int row) const
 {
-    QTabBar* tabs = window->tabMain->tabBar();
-    QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(1).center());
-    QListWidget* list = window->ListOf(EditTarget);
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(row)).center());
+    Do("tab 1");
+    Do("row " + std::to_string(row));
 }
 
 void UiWindow::Drag(QPoint from, QPoint to, Qt::MouseButton button) const
@@ -56,77 +97,55 @@ void UiWindow::Drag(QPoint from, QPoint to, Qt::MouseButton button) const
     QTest::mouseRelease(window->picMain, button, {}, to);
 }
 
+void UiWindow::Wheel(QWidget* widget, int distance)
+{
+    const QPointF at(10, 10);
+    QWheelEvent event(at, widget->mapToGlobal(at), QPoint(), QPoint(0, distance), Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QSpontaneKeyEvent::setSpontaneous(&event);
+    qApp->notify(widget, &event);
+}
+
 namespace {
 
-void PutBall(std::ostream& out, const std::string& name, double radius, int rings)
+std::string CrLf(const std::string& lines)
 {
-    out << "skin \"" << name << "\"\r\n{\r\nm=\"M\"\r\n";
-    for (int i = 0; i <= rings; i++) {
-        for (int j = 0; j < rings; j++) {
-            const double a = std::numbers::pi * i / rings;
-            const double b = 2 * std::numbers::pi * j / rings;
-            const std::array<double, 3> n = {std::sin(a) * std::cos(b), std::sin(a) * std::sin(b), std::cos(a)};
-            out << "v=(" << radius * n[0] << "," << radius * n[1] << "," << radius * n[2] << "),-1\r\n";
-            out << "n=(" << n[0] << "," << n[1] << "," << n[2] << ")\r\n";
-        }
-    }
-    const auto face = [&out](int p, int q, int r) {
-        out << "f=(" << p << "," << q << "," << r << "),(0,0,0),(" << p << "," << q << "," << r << "),1\r\n";
-    };
-    for (int i = 0; i < rings; i++) {
-        for (int j = 0; j < rings; j++) {
-            const int p = i * rings + j + 1;
-            const int q = i * rings + (j + 1) % rings + 1;
-            face(p, p + rings, q);
-            face(q, p + rings, q + rings);
-        }
-    }
-    out << "}\r\ninstance \"" << name << "\"\r\n{\r\nmesh=\"" << name << "\"\r\nscale=1\r\n}\r\n";
+    return QString::fromStdString(lines).replace(u'\n', QStringLiteral("\r\n")).toStdString();
 }
 
 } // namespace
 
-std::string BallModel(int rings)
+QPlainTextEdit* LogField()
 {
-    std::ostringstream out;
-    out.imbue(std::locale::classic());
-    out << "fileinfo\r\n{\r\nformatversion=1.0.2\r\n}\r\nmaterial \"M\"\r\n{\r\n}\r\n";
+    for (const QWidget* top : QApplication::topLevelWidgets()) {
+        if (top->objectName() == QStringLiteral("frmLog")) {
+            return Part<QPlainTextEdit>(top, "txtLog");
+        }
+    }
+    return nullptr;
+}
+
+std::string SmallModel()
+{
+    return CrLf("fileinfo\n{\nformatversion=1.0.2\n}\nmaterial \"M\"\n{\ncolormap=\"absent.bmp\"\n}\n"
+                "bone \"Right01\"\n{\nposition=(1,0,0)\n}\nbone \"Left02\"\n{\nposition=(-1,0,0)\n}\n"
+                "bone \"Top03\"\n{\nposition=(0,0,1)\n}\nbone \"$j$Low01\"\n{\n}\nbone \"$j$High02\"\n{\n}\n"
+                "skin \"Body\"\n{\nm=\"M\"\nv=(1,0,0),1\nv=(-1,0,0),-1\nv=(0,0,1),-1\nv=(0,0,-1),-1\n"
+                "f=(1,2,3),(0,0,0),(0,0,0),1\n}\nskin \"$Shadow\"\n{\nv=(0,0,1),-1\nv=(0,0,2),2\n}\n"
+                "mesh \"Plain\"\n{\nv=(0,0,0)\n}\ninstance \"Trunk\"\n{\nmesh=\"Body\"\nscale=0.5\n}\n"
+                "instance \"$Shadow\"\n{\nmesh=\"$Shadow\"\nscale=1\n}\n");
+}
+
+std::string BoardModel(int side)
+{
+    std::string text;
     for (int i = 1; i <= 5; i++) {
-        out << "bone \"Bone0" << i << "\"\r\n{\r\nposition=(0,0," << 0.1 * i << ")\r\n}\r\n";
+        text += "bone \"Bone0" + std::to_string(i) + "\"\n{\nposition=(9,9,9)\n}\n";
     }
-    for (int i = 1; i <= 3; i++) {
-        out << "bone \"$j$Bone0" << i << "\"\r\n{\r\nposition=(0,0," << 0.1 * i << ")\r\n}\r\n";
+    text += "skin \"Body\"\n{\n";
+    for (int i = 0; i < side * side; i++) {
+        text +=
+            "v=(" + std::to_string(i % side * 15 - 60) + "E-2," + std::to_string(i / side * 15 - 60) + "E-2,0),-1\n";
     }
-    PutBall(out, "Body", 0.5, rings);
-    PutBall(out, "$Shadow", 0.4, rings);
-    return out.str();
-}
-
-DialogSteps::Step Box(const std::string& text, int button)
-{
-    return [text, button](QDialog* dialog) {
-        auto* box = qobject_cast<QMessageBox*>(dialog);
-        ASSERT_NE(box, nullptr) << "another dialog in place of: " << text;
-        EXPECT_EQ(box->text().toStdString(), text);
-        box->button(static_cast<QMessageBox::StandardButton>(button))->click();
-    };
-}
-
-DialogSteps::Step Choose(const std::string& path)
-{
-    return [path](QDialog* dialog) {
-        auto* chooser = qobject_cast<QFileDialog*>(dialog);
-        ASSERT_NE(chooser, nullptr);
-        chooser->findChild<QLineEdit*>()->setText(QString::fromStdString(path));
-        static_cast<QDialog*>(chooser)->findChild<QLineEdit*>()->setFocus();
-        QTest::keyClick(chooser->findChild<QLineEdit*>(), Qt::Key_Return);
-    };
-}
-
-DialogSteps::Step Row(const char* list, int row)
-{
-    return [list, row](QDialog* dialog) {
-        Part<QListWidget>(dialog, list)->setCurrentRow(row);
-        Press(dialog, "cmdOK");
-    };
+    return CrLf(text + "n=(0,0,1)\n}\ninstance \"Body\"\n{\nmesh=\"Body\"\nscale=1\n}\n");
 }

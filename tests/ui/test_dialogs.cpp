@@ -1,293 +1,221 @@
-#include <gtest/gtest.h>
+// The dialogs and the Info Log beyond what the commands show of them.
 
-#include <QCheckBox>
-#include <QCursor>
-#include <QFontMetrics>
-#include <QImage>
-#include <QLabel>
-#include <QListWidget>
-#include <QRadioButton>
-
-#include "app/modFrontEnd.h"
-#include "app/modMvmDef.h"
-#include "dialogs/frmAbout.h"
 #include "dialogs/frmBones.h"
-#include "dialogs/frmGLInfo.h"
 #include "dialogs/frmMeshes.h"
-#include "dialogs/frmMirror.h"
-#include "dialogs/modFit.h"
-#include "modSession.h"
-#include "ui/dialog_steps.h"
-#include "weights/modBoneAlias.h"
-#include "weights/modMirror.h"
-#include "weights/modWeights.h"
+#include "dialogs/modBoxes.h"
+#include "dialogs/modFileChooser.h"
+#include "support/ui_window.h"
 
-namespace {
-
-class Dialogs : public testing::Test {
-protected:
-    Dialogs() { ResetSession(); }
-    ~Dialogs() override { ResetSession(); }
-
-    static void AddMesh(const char* name) { Meshes.Add().Name = name; }
-    static void AddBone(const char* name, const char* alias, float x)
-    {
-        MvmBone& bone = Bones.Add();
-        bone.Name = name;
-        bone.Alias = alias;
-        bone.Position.X = x;
-    }
-};
-
-DialogSteps::Step Choosing(const char* list, int row, const char* button)
+TEST(Boxes, ShowAnyTextAndAnswerToTheirKeys)
 {
-    return [=](QDialog* dialog) {
-        Part<QListWidget>(dialog, list)->setCurrentRow(row);
-        Press(dialog, button);
+    const auto box = [](const QString& text) {
+        return [text](QDialog* dialog) {
+            EXPECT_EQ(qobject_cast<QMessageBox*>(dialog)->textFormat(), Qt::PlainText);
+            EXPECT_GE(dialog->width(), 240) << "a narrow frame cuts the title";
+            EXPECT_LT(dialog->width(), 1280);
+            EXPECT_LT(dialog->height(), 1024);
+            EXPECT_TRUE(text.isEmpty() || qobject_cast<QMessageBox*>(dialog)->text() == text);
+            QTest::keyClick(dialog, Qt::Key_Return);
+        };
     };
+    const QString x(120, u'x');
+    const Script script({Step("", box(QStringLiteral("<b>\u00e9</b>\nsecond\nthird fourth"))), Step("", box(QString())),
+                         Step("", box(x + u'\n' + x + u' ' + x)), "? Go on? > Yes", "? Go on? > No",
+                         "? Go on? > Cancel", "! Go on? > Esc", "! Go on? > Close", Step("", box(QString())),
+                         Step("", box(QString()))});
+    ShowMessage(BoxIcon::Information, std::string("<b>\xC3\xA9</b>\r\nsecond\rthird\0fourth", 30));
+    ShowMessage(BoxIcon::Warning, std::string(200'000, 'x'));
+    ShowMessage(BoxIcon::Warning, std::string(240, 'x') + " " + std::string(120, 'x'));
+    for (const BoxAnswer answer : {BoxAnswer::Yes, BoxAnswer::No, BoxAnswer::Cancel}) {
+        EXPECT_EQ(AskYesNoCancel(BoxIcon::Question, "Go on?"), answer);
+    }
+    EXPECT_EQ(AskYesNoCancel(BoxIcon::Warning, "Go on?"), BoxAnswer::Cancel);
+    EXPECT_EQ(AskYesNoCancel(BoxIcon::Warning, "Go on?"), BoxAnswer::Cancel);
+    EXPECT_EQ(AskYesNoCancel(BoxIcon::Warning, "Return takes the default"), BoxAnswer::Yes);
+    EXPECT_FALSE(AskToReplace("a.mvm")) << "Return must not replace";
 }
 
-TEST_F(Dialogs, TheMeshChooserGivesTheRowOrMinusOne)
+TEST(Choosers, OfferTheRowsAndKeepOneMarked)
 {
-    AddMesh("skin_<b>\xE9");
-    AddMesh("shadow");
-    struct Case {
-        int16_t Current;
-        DialogSteps::Step Step;
-        int16_t Result;
+    const UiWindow window;
+    Meshes.Add().Name = "skin_<b>\xE9";
+    Bones.Add().Name = "leg01";
+    Bones[1].Alias = "Left leg";
+    const auto row = [](const char* text) {
+        return [text](QDialog* dialog) {
+            auto* list = dialog->findChild<QListWidget*>();
+            EXPECT_EQ(list->item(1)->text().toStdString(), text);
+            const QPoint place = list->visualItemRect(list->item(1)).center();
+            QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, place);
+            QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, place);
+            QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, place);
+            EXPECT_TRUE(dialog->isVisible() && list->item(1)->isSelected());
+        };
     };
-    const auto escape = [](QDialog* dialog) { QTest::keyClick(dialog, Qt::Key_Escape); };
-    const auto close = [](QDialog* dialog) { dialog->close(); };
-    const std::vector<Case> cases{{0, Pressing("cmdOK"), 0},
-                                  {2, Pressing("cmdOK"), 2},
-                                  {3, Pressing("cmdOK"), 0},
-                                  {-1, Pressing("cmdOK"), 0},
-                                  {2, Choosing("lstMeshes", 1, "cmdOK"), 1},
-                                  {2, Choosing("lstMeshes", 0, "cmdOK"), 0},
-                                  {2, Choosing("lstMeshes", 1, "cmdCancel"), -1},
-                                  {2, escape, -1},
-                                  {2, close, -1}};
-    for (const Case& each : cases) {
-        const DialogSteps steps({[&](QDialog* dialog) {
-            const auto* list = Part<QListWidget>(dialog, "lstMeshes");
-            EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Meshes"));
-            ASSERT_EQ(list->count(), 3);
-            EXPECT_EQ(list->item(0)->text(), QStringLiteral("NONE"));
-            EXPECT_EQ(list->item(1)->text(), QStringLiteral("skin_<b>\u00e9"));
-            EXPECT_EQ(list->currentItem()->isSelected(), true);
-            each.Step(dialog);
-        }});
-        EXPECT_EQ(ChooseMesh(each.Current), each.Result) << each.Current;
-    }
-}
-
-TEST_F(Dialogs, NoClickInAChooserClosesItOrTakesTheMarkOff)
-{
-    AddMesh("one");
-    const DialogSteps steps({[](QDialog* dialog) {
-        auto* list = Part<QListWidget>(dialog, "lstMeshes");
-        const QPoint row = list->visualItemRect(list->item(1)).center();
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row);
-        QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, row);
-        EXPECT_TRUE(dialog->isVisible());
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, Qt::ControlModifier, row);
-        EXPECT_TRUE(list->item(1)->isSelected());
-        QTest::keyClick(list, Qt::Key_Return);
-    }});
+    const auto full = [](QDialog* dialog) {
+        EXPECT_EQ(dialog->findChild<QListWidget*>()->count(), 32'768) << "no row that the answer cannot hold";
+    };
+    const Script script({Step("Meshes 0 > Close", row("skin_<b>\u00e9")), "Meshes 0 > cmdOK",
+                         Step("Meshes 0 > cmdOK", row("skin_<b>\u00e9")), Step("Bones 1 > cmdOK", row("Left leg")),
+                         Step("Bones 0 > Esc", row("leg01")), Step("Meshes 0 > 32767 cmdOK", full)});
+    EXPECT_EQ(ChooseMesh(2), -1);
+    EXPECT_EQ(ChooseMesh(-1), 0);
     EXPECT_EQ(ChooseMesh(0), 1);
-}
-
-TEST_F(Dialogs, AChooserOffersNoRowThatItsAnswerCannotHold)
-{
+    EXPECT_EQ(ChooseBone(1), 1);
+    AliasesOn = false;
+    EXPECT_EQ(ChooseBone(0), -1);
     Meshes.Items.resize(40'000);
-    const DialogSteps steps({[](QDialog* dialog) {
-        auto* list = Part<QListWidget>(dialog, "lstMeshes");
-        EXPECT_EQ(list->count(), 32'768);
-        list->setCurrentRow(32'767);
-        Press(dialog, "cmdOK");
-    }});
     EXPECT_EQ(ChooseMesh(0), 32'767);
 }
 
-TEST_F(Dialogs, TheBoneChooserShowsLabelsWhileAliasesAreOn)
+TEST(FileChoosers, StartWhereTheyAreToldAndGuardWhatIsThere)
 {
-    AddBone("leg01", "Left leg", 1);
-    AddBone("leg02", "", -1);
-    for (const bool on : {true, false}) {
-        AliasesOn = on;
-        const DialogSteps steps({[&](QDialog* dialog) {
-            const auto* list = Part<QListWidget>(dialog, "lstBones");
-            EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Bones"));
-            EXPECT_EQ(list->item(1)->text(), on ? QStringLiteral("Left leg") : QStringLiteral("leg01"));
-            EXPECT_EQ(list->item(2)->text(), QStringLiteral("leg02"));
-            Press(dialog, "cmdOK");
-        }});
-        EXPECT_EQ(ChooseBone(2), 2);
+    const UiWindow window;
+    const TempFolder& folder = window.Folder;
+    for (const char* name : {"a.mvm", "B.MVM", "c.txt", "locked.mvm"}) {
+        PutFile(folder / name, "1");
     }
-    AliasesOn = true;
-}
-
-class MirrorDialog : public Dialogs {
-protected:
-    MirrorDialog()
-    {
-        AddBone("right01", "", 1);
-        AddBone("left02", "", -1);
-        MvmMesh& mesh = Meshes.Add();
-        for (const float x : {1.0F, -1.0F}) {
-            mesh.Vertices.Add({x, 0, 0});
-        }
-        MakeSkin(1);
-        SkinMesh = 1;
-        EditTarget = 0;
-    }
-    static std::vector<int16_t>& Assigned() { return Meshes[1].VertexBones.Items; }
-};
-
-TEST_F(MirrorDialog, StartsAnewAndMirrorsInTheChosenDirection)
-{
-    Assigned() = {0, 2};
-    {
-        const DialogSteps steps({Pressing("cmdCancel")});
-        ShowMirrorDialog();
-        EXPECT_EQ(Assigned(), (std::vector<int16_t>{0, 2}));
-    }
-    {
-        const DialogSteps steps({Pressing("cmdOK")});
-        ShowMirrorDialog();
-        EXPECT_EQ(Assigned(), (std::vector<int16_t>{1, 2}));
-    }
-    Assigned() = {1, 0};
-    {
-        const DialogSteps steps({[](QDialog* dialog) {
-            QTest::mouseClick(Part<QRadioButton>(dialog, "optMirror1"), Qt::LeftButton, {}, QPoint(8, 8));
-            Press(dialog, "cmdOK");
-        }});
-        ShowMirrorDialog();
-        EXPECT_EQ(Assigned(), (std::vector<int16_t>{1, 2}));
-    }
-    const DialogSteps steps({[](QDialog* dialog) {
-        EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Mirror Weights"));
-        EXPECT_TRUE(Part<QRadioButton>(dialog, "optMirror0")->isChecked());
-        EXPECT_TRUE(Part<QCheckBox>(dialog, "chkReassign")->isChecked());
-        EXPECT_FALSE(Part<QCheckBox>(dialog, "chkUnassign")->isChecked());
-        EXPECT_FALSE(Part<QCheckBox>(dialog, "chkUnassign")->isEnabled());
-        dialog->close();
-    }});
-    ShowMirrorDialog();
-}
-
-TEST_F(MirrorDialog, ATickThatIsDisabledStillCounts)
-{
-    Assigned() = {1, 0}; // the source has no bone, so only the tick can clear the target
-    const DialogSteps steps({[](QDialog* dialog) {
-        auto* reassign = Part<QCheckBox>(dialog, "chkReassign");
-        auto* unassign = Part<QCheckBox>(dialog, "chkUnassign");
-        QTest::mouseClick(reassign, Qt::LeftButton, {}, QPoint(8, 8));
-        EXPECT_TRUE(unassign->isEnabled());
-        QTest::mouseClick(unassign, Qt::LeftButton, {}, QPoint(8, 8));
-        QTest::mouseClick(reassign, Qt::LeftButton, {}, QPoint(8, 8));
-        EXPECT_FALSE(unassign->isEnabled());
-        EXPECT_TRUE(unassign->isChecked());
-        Press(dialog, "cmdOK");
-    }});
-    ShowMirrorDialog();
-    EXPECT_EQ(Assigned(), (std::vector<int16_t>{0, 0}));
-}
-
-TEST_F(Dialogs, TheWeightsDialogAnswersAnew)
-{
-    struct Case {
-        DialogSteps::Step Step;
-        int16_t Mode;
+    std::filesystem::permissions(folder / "locked.mvm", std::filesystem::perms::owner_read);
+    std::filesystem::create_directory(folder / "sub");
+    const auto lists = [](QDialog* dialog) {
+        const auto* view = Part<QListView>(dialog, "listView");
+        EXPECT_TRUE(QTest::qWaitFor([view] { return view->model()->rowCount(view->rootIndex()) == 4; }))
+            << "three models of any case and a folder";
+        EXPECT_EQ(Part<QComboBox>(dialog, "fileTypeCombo")->itemText(1), QStringLiteral("All Files (*.*)"));
+        EXPECT_EQ(qobject_cast<QFileDialog*>(dialog)->nameFilters()[1], QStringLiteral("All Files (*.*) (*)"));
     };
-    const auto byPosition = [](QDialog* dialog) {
-        QTest::mouseClick(Part<QRadioButton>(dialog, "optAssignMode1"), Qt::LeftButton, {}, QPoint(8, 8));
-        Press(dialog, "cmdOK");
+    const auto save = [](QDialog* dialog) {
+        QTest::mouseClick(Part<QDialogButtonBox>(dialog, "buttonBox")->button(QDialogButtonBox::Save), Qt::LeftButton);
     };
-    const std::vector<Case> cases{{byPosition, 2},
-                                  {Pressing("cmdOK"), 1},
-                                  {Pressing("cmdCancel"), 0},
-                                  {[](QDialog* dialog) { dialog->close(); }, 0}};
-    for (const Case& each : cases) {
-        WeightsAssignMode = 2;
-        const DialogSteps steps({each.Step});
-        AskWeightsAssignMode();
-        EXPECT_EQ(WeightsAssignMode, each.Mode);
+    const std::tuple<bool, std::string, std::string, std::deque<Step>, std::string> cases[] = {
+        {false, folder.Path, "", {Step("Title|open ~/||Models (*.mvm) > ~/a.mvm", lists)}, folder / "a.mvm"},
+        {false, folder / "a.mvm", "", {"Title|open ~/|... > new"}, folder / "new"},
+        {false, folder / "sub", "", {"Title|open ~/sub/|... > \u00e9"}, folder / "sub/\u00e9"},
+        {false, folder / "gone/away/x.mvm", "", {"Title|open ~/|... > Esc"}, "none"},
+        {false, folder / "bad\xFF/x.mvm", "", {"Title|open ~/|... > Esc"}, "none"},
+        {false, "", "", {"Title|open " + QDir::currentPath().toStdString() + "/|... > Esc"}, "none"},
+        {false, "/none", "", {"Title|open //|... > Esc"}, "none"},
+        {true, folder.Path, "", {"Title|save ~/|... > new"}, folder / "new"},
+        {true,
+         folder.Path,
+         "",
+         {"T... > ~/locked.mvm", "! Can't overwrite file.|File is marked read only. > OK", "T... > ~/a.mvm",
+          "! a.mvm already exists.|Do you want to replace it? > No", "T... > ~/a.mvm",
+          "! a.mvm already exists.... > Yes"},
+         folder / "a.mvm"},
+        {true, "/", folder / "caf\xE9.mvm", {Step("", save)}, folder / "caf\xE9.mvm"}};
+    for (const auto& [saves, startIn, fileName, steps, wanted] : cases) {
+        const Script script(steps);
+        std::string path = "none";
+        EXPECT_EQ(ChooseFile({saves, "Title", "Models (*.mvm)|*.mvm|All Files (*.*)|*.*", startIn, fileName}, &path),
+                  wanted != "none");
+        EXPECT_EQ(path, wanted);
     }
 }
 
-TEST_F(Dialogs, OpenGLInfoOpensWithoutAContext)
+TEST(NewModel, GoesOnOnlyWithAPresetAndAModelAndStopsWhenClosed)
 {
-    const DialogSteps steps({[](QDialog* dialog) {
-        EXPECT_TRUE(Part<QLabel>(dialog, "labVendor")->text().startsWith(QStringLiteral("Vendor: ")));
-        EXPECT_TRUE(Part<QLabel>(dialog, "labRenderer")->text().startsWith(QStringLiteral("Renderer: ")));
-        EXPECT_TRUE(Part<QLabel>(dialog, "labVersion")->text().startsWith(QStringLiteral("Version: ")));
-        Press(dialog, "cmdClose");
-    }});
-    ShowGLInfoDialog();
-}
-
-int CountOf(const QImage& image, const QColor& color)
-{
-    int count = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            count += image.pixelColor(x, y) == color ? 1 : 0;
-        }
-    }
-    return count;
-}
-
-TEST_F(Dialogs, AboutNamesTheProgramAndItsLinkTurnsRedUnderThePointer)
-{
-    const DialogSteps steps({[](QDialog* dialog) {
-        EXPECT_EQ(Part<QLabel>(dialog, "labTitle")->text(),
-                  QStringLiteral("Beastwright\r\nVersion 0.2.7\r\n\r\nThe Beastwright developers\r\n"
-                                 "Copyright (c) 2026 The Beastwright developers"));
-        auto* link = Part<QPushButton>(dialog, "labLink");
-        EXPECT_EQ(link->text(), QStringLiteral("https://beastwright.example/"));
-        EXPECT_NE(link->focusPolicy() & Qt::TabFocus, 0);
-        const QColor blue(0, 0, 255);
-        const QColor red(255, 0, 0);
-        // The real pointer: the window system tells where it is, whatever a test pretends.
-        const auto pointAt = [](const QWidget* widget) {
-            QCursor::setPos(widget->mapToGlobal(widget->rect().center()));
+    const UiWindow window;
+    const std::string preset = ProgramFolder() + "/presets/test.PRESET";
+    PutFile(preset, BoardModel(100));
+    PutFile(window.Folder / "b.mvm", "bone \"a\"\r\n{\r\n}\r\n");
+    LastPath = window.Folder.Path;
+    const auto can = [](const std::string& presses, bool go) {
+        return [presses, go](QDialog* dialog) {
+            Answer(dialog, presses);
+            EXPECT_EQ(Part<QPushButton>(dialog, "cmdOK")->isEnabled(), go);
         };
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog));
-        QTest::qWait(100); // a window manager places a window after it has come up
-        pointAt(Part<QLabel>(dialog, "labTitle"));
-        EXPECT_TRUE(QTest::qWaitFor([&] { return CountOf(link->grab().toImage(), blue) > 20; }));
-        pointAt(link);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return CountOf(link->grab().toImage(), red) > 20; }));
-        EXPECT_EQ(CountOf(link->grab().toImage(), blue), 0);
-        pointAt(Part<QLabel>(dialog, "labTitle"));
-        EXPECT_TRUE(QTest::qWaitFor([&] { return CountOf(link->grab().toImage(), red) == 0; }));
-        Press(dialog, "cmdOk");
-    }});
-    ShowAboutDialog();
-}
-
-TEST(Captions, AreNarrowedOnlyAsFarAsTheyMustBe)
-{
-    struct Case {
-        QSize Room;
-        bool Changed;
     };
-    for (const char* family : {"Liberation Sans", "DejaVu Sans"}) {
-        for (const Case& each : {Case{{60, 13}, true}, Case{{90, 13}, true}, Case{{400, 30}, false}}) {
-            QLabel label(QStringLiteral("Vorrel skin model:"));
-            QFont font{QString::fromLatin1(family)};
-            font.setPixelSize(each.Changed ? 13 : 11);
-            label.setFont(font);
-            label.resize(each.Room);
-            FitCaption(&label);
-            const QFontMetrics metrics(label.font());
-            EXPECT_LE(metrics.horizontalAdvance(label.text()), each.Room.width()) << family;
-            EXPECT_LE(metrics.height(), each.Room.height()) << family;
-            EXPECT_EQ(label.font() != font, each.Changed) << family << each.Room.width();
-        }
-    }
+    window.Do("mnuFileNew", {Step("Close", can("test", false))});
+    window.Do("mnuFileNew", {Step("Close", can("cmdBrowse", false)), "V... > ~/b.mvm"});
+    window.Do("mnuFileNew", {Step("Close", can("test cmdBrowse", true)), "V... > ~/b.mvm"});
+    EXPECT_EQ(LastPath, window.Folder / "b.mvm");
+    QTimer closer;
+    bool closed = false;
+    const auto close = [&](QDialog* dialog) {
+        can("cmdBrowse test", true)(dialog);
+        EXPECT_EQ(Part<QLineEdit>(dialog, "txtModel")->text().toStdString(), window.Folder / "b.mvm");
+        QObject::connect(&closer, &QTimer::timeout, dialog, [&closed, dialog] {
+            closed = closed || !dialog->isEnabled();
+            if (closed) {
+                dialog->close();
+            }
+        });
+        closer.start(0);
+    };
+    PumpInterval = 0;
+    window.Do("mnuFileNew", {Step("cmdOK", close), "V... > ~/b.mvm"});
+    PumpInterval = 1000;
+    EXPECT_TRUE(closed);
+    EXPECT_FALSE(StopRequested || ModelOpen || window->Unloaded());
+    EXPECT_EQ(MeshCount() + BoneCount(), 0);
+    PutFile(preset, "bone \"a\"\r\n{\r\nposition=(1E300,0,0)\r\n}\r\n");
+    closer.stop();
+    window.Do("mnuFileNew",
+              {"New Vorrel -1 > cmdBrowse test cmdOK", "V... > ~/b.mvm", "x Runtime error in LoadMVM... > OK",
+               "! Cannot load selected preset. Please verify the content of this file. > OK"});
+    window.Do("mnuFileNew", {Step("Esc", can("test", true))}); // it has come back as it was
+    std::filesystem::remove(preset);
 }
 
-} // namespace
+TEST(InfoLog, KeepsItsTextWhileItIsHidden)
+{
+    const UiWindow window;
+    LogLine("first <b> \xC3\xA9");
+    LogLine("");
+    LogLine("  third\t&");
+    EXPECT_TRUE(LogDirty && !IsInfoLogVisible());
+    ShowInfoLog();
+    EXPECT_TRUE(!LogDirty && IsInfoLogVisible());
+    QPlainTextEdit* field = LogField();
+    QWidget* log = field->window();
+    const QString text = QStringLiteral("first <b> \u00e9\n\n  third\t&\n");
+    EXPECT_EQ(field->toPlainText(), text);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(log));
+    EXPECT_EQ(log->windowTitle(), QStringLiteral("Info Log"));
+    EXPECT_EQ(log->size(), QSize(395, 269));
+    EXPECT_LT((log->geometry().center() - log->screen()->availableGeometry().center()).manhattanLength(), 60);
+    EXPECT_EQ(field->geometry(), QRect(2, 2, 392, 266));
+    EXPECT_TRUE(field->isReadOnly() && field->hasFocus());
+    EXPECT_EQ(field->lineWrapMode(), QPlainTextEdit::NoWrap);
+    EXPECT_TRUE(field->horizontalScrollBar()->isVisible() && field->verticalScrollBar()->isVisible());
+    EXPECT_TRUE(QFontInfo(field->font()).fixedPitch() && field->font().pointSize() == 9);
+    log->resize(500, 300);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return field->geometry() == QRect(2, 2, 497, 297); }));
+    log->close();
+    EXPECT_FALSE(IsInfoLogVisible() || log->testAttribute(Qt::WA_QuitOnClose));
+    LogLine("later");
+    QCoreApplication::processEvents();
+    EXPECT_EQ(field->toPlainText(), text + QStringLiteral("later\n"));
+    LogLine("waiting");
+    ClearInfoLog();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(field->toPlainText(), QString());
+    log->showMinimized();
+    ShowInfoLog();
+    EXPECT_FALSE(log->isMinimized());
+}
+
+TEST(InfoLog, TakesALongReportWholeAndCutsALineThatNobodyCanRead)
+{
+    const UiWindow window;
+    constexpr int lines = 30'000;
+    LogLine(std::string(5'000'000, 'x'));
+    for (int line = 1; line < lines; ++line) {
+        LogLine("Bone " + std::to_string(line) + " of a long report");
+    }
+    ShowInfoLog();
+    QPlainTextEdit* field = LogField();
+    EXPECT_LT(field->blockCount(), lines / 2) << "not all in one turn";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return field->blockCount() == lines + 1; }, 20'000));
+    const QString first = field->document()->firstBlock().text();
+    EXPECT_EQ(first.size(), 20'004);
+    EXPECT_TRUE(first.endsWith(QStringLiteral("x ...")));
+    EXPECT_TRUE(field->toPlainText().endsWith(QStringLiteral("Bone 29999 of a long report\n")));
+    EXPECT_EQ(field->verticalScrollBar()->value(), field->verticalScrollBar()->maximum());
+    AppClosing = true;
+    EXPECT_TRUE(field->window()->close());
+    CloseInfoLog();
+    AppClosing = false;
+    EXPECT_EQ(LogField(), nullptr);
+}
