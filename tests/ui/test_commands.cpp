@@ -1,7 +1,9 @@
 // Every entry, button, key and option by its widget: what it asks, and all that it changes.
 #include <map>
 
+#include "modCommand.h"
 #include "modConsole.h"
+#include "support/scene_bytes.h"
 #include "support/ui_window.h"
 #include "weights/modBoneAlias.h"
 #include "weights/modMirror.h"
@@ -183,6 +185,23 @@ void DoWithout(const std::string& name, const UiWindow& window, const std::strin
     std::filesystem::rename(path + ".away", path);
 }
 
+/// A command that has changed the scene has made a step, which leads back to every byte of it and forward again.
+void TakeBack(const UiWindow& window, const std::string& before)
+{
+    const std::string count = window->panels[1]->text().toStdString();
+    const std::string after = SceneBytes();
+    const int16_t bone = ActiveBone;
+    if (after != before) {
+        Perform("Undo", UndoCommand);
+        EXPECT_EQ(SceneBytes(), before) << "undone";
+        Perform("Redo", RedoCommand);
+        EXPECT_EQ(SceneBytes(), after) << "redone";
+        EXPECT_EQ(ActiveBone, bone);
+        SetPanelText("toolhelp", "Ready...");
+        SetPanelText("progress", count); // not every command refreshes it
+    }
+}
+
 /// Starts commands, "widget {dialog} {dialog} = changes", of which each stands behind a line end or " || "; a line that
 /// begins with a blank goes on with the one before. A "*" before the changes stands for a view that is painted anew.
 void Try(UiWindow* window, const char* commands)
@@ -201,9 +220,13 @@ void Try(UiWindow* window, const char* commands)
         std::string changes = line.mid(sign + 2).trimmed().toStdString();
         HideInfoLog();
         const State before = Look(*window);
+        const std::string scene = SceneBytes();
         const bool painted = window->Paints([&] { window->Do(trigger.toStdString(), dialogs); }, changes[0] == '*');
         EXPECT_TRUE(changes[0] != '*' || painted) << "not painted";
         EXPECT_EQ(Changes(before, Look(*window)), changes.substr(changes[0] == '*' ? 1 : 0));
+        if (ModelOpen && !trigger.contains(QStringLiteral("File")) && !trigger.contains(QStringLiteral("Alias"))) {
+            TakeBack(*window, scene);
+        }
     }
 }
 

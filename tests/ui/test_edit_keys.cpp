@@ -1,8 +1,6 @@
 // The keys for work that goes over many vertices, on the real window.
 #include <gmock/gmock.h>
 
-#include <QLabel>
-
 #include "app/modMvmDef.h"
 #include "modCamera.h"
 #include "modDrag.h"
@@ -19,8 +17,6 @@ class EditKeys : public testing::Test {
 protected:
     EditKeys()
     {
-        PutFile(Folder / "ball.mvm", BallModel(8));
-        window = std::make_unique<UiWindow>(Folder / "ball.mvm");
         window->Edit(1);
         Middle = QPoint((*window)->picMain->width() / 2, (*window)->picMain->height() / 2);
     }
@@ -36,8 +32,7 @@ protected:
         QTest::keyClick(Form().picMain, key);
         return Form().panels[0]->text().toStdString();
     }
-    TempFolder Folder;
-    std::unique_ptr<UiWindow> window;
+    std::unique_ptr<UiWindow> window = std::make_unique<UiWindow>(BoardModel(9));
     QPoint Middle;
 };
 
@@ -117,6 +112,7 @@ TEST_F(EditKeys, NShowsSlips)
     ReplaceBone(SkinMesh, 0, 2);
     EXPECT_EQ(Press(Qt::Key_N), "No vertex of Body stands alone among other bones.");
     Meshes[SkinMesh].VertexBones[30] = 3;
+    Meshes[SkinMesh].Faces.Add().Vertex = {29, 30, 39};
     EXPECT_EQ(Press(Qt::Key_N), "Vertex 30 of Body: " + BoneLabel(3) + " among " + BoneLabel(2) + "; 1 such vertex.");
 }
 

@@ -1,10 +1,5 @@
 // Drags that something cuts short, and presses that end on another widget than they began on.
-#include <QApplication>
-#include <QLabel>
-#include <QMenu>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QWheelEvent>
+#include <QtWidgets>
 
 #include "app/modMvmDef.h"
 #include "modCamera.h"
@@ -23,10 +18,8 @@ int Assigned()
 
 TEST(Gestures, ABoxDoesNotOutliveItsScene)
 {
-    const TempFolder folder;
-    const std::string path = folder / "ball.mvm";
-    PutFile(path, BallModel(10));
-    const UiWindow window(path);
+    const UiWindow window(BoardModel(9));
+    const std::string path = CurrentFile;
     window.Edit(1);
     const QPoint corner(2, 2);
     const QPoint other(window->picMain->width() - 3, window->picMain->height() - 3);
@@ -42,8 +35,7 @@ TEST(Gestures, ABoxDoesNotOutliveItsScene)
     };
     EXPECT_EQ(boxAround([&] { window->OpenFile(path); }), 0);
     EXPECT_EQ(boxAround([&] {
-                  const DialogSteps steps({Box("Any changes to open files will be lost.\nContinue?", QMessageBox::Yes)});
-                  window->mnuFileRevert_Click();
+                  window.Do("mnuFileRevert", {Question + "Yes"});
               }),
               0);
     window->ListDragging = false;

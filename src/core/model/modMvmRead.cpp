@@ -153,6 +153,7 @@ void TellOfNoModel(const std::string& path, const Loading& loading)
     } else {
         LogLine(file + " was read as a single line." + why + " A save would leave nothing of the rest.");
     }
+    ShowInfoLog(); // a new creature's dialog would leave the line unseen
 }
 
 /// Fails like ReadLines.

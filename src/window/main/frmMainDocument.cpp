@@ -109,13 +109,7 @@ void frmMain::mnuFileNew_Click()
     const bool loaded = ShowNewDialog();
     EndAllBusy();
     CancelGestures();
-    if (EndAfterStop()) {
-        return;
-    }
-    if (LogDirty) {
-        ShowInfoLog();
-    }
-    if (!loaded) {
+    if (EndAfterStop() || !loaded) {
         return;
     }
     ModelOpen = true;
