@@ -164,8 +164,6 @@ int main(int argc, char** argv)
     WriteFile(root + "assets/alias/Vorrel.alias", AliasText(creature.skeleton, false));
     WriteFile(root + "assets/alias/$shadowVorrel.alias", AliasText(creature.skeleton, true));
     WriteFile(root + "assets/presets/Vorrel.preset", FileInfoText() + BoneText(creature.skeleton, place));
-    const BodyPlan longneck{1.25, 1.9, 1.6, 1.1, 8};
-    WriteFile(root + "assets/presets/Longneck.preset", FileInfoText() + BoneText(MakeSkeleton(longneck), place));
     for (const Mesh& mesh : creature.meshes) {
         std::printf("%s: %zu vertices, %zu faces\n", mesh.name.c_str(), mesh.v.size(), mesh.f.size());
     }

@@ -34,10 +34,7 @@ TEST(Gestures, ABoxDoesNotOutliveItsScene)
         return Assigned();
     };
     EXPECT_EQ(boxAround([&] { window->OpenFile(path); }), 0);
-    EXPECT_EQ(boxAround([&] {
-                  window.Do("mnuFileRevert", {Question + "Yes"});
-              }),
-              0);
+    EXPECT_EQ(boxAround([&] { window.Do("mnuFileRevert", {Question + "Yes"}); }), 0);
     window->ListDragging = false;
     EXPECT_GT(boxAround([&] { window->ListDragging = false; }), 0);
 }
