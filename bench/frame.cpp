@@ -17,6 +17,7 @@
 #include "modOpenGL.h"
 #include "modPick.h"
 #include "modSession.h"
+#include "modTryJoint.h"
 #include "modViewFlags.h"
 #include "plain_pick.h"
 #include "support/render_plain.h"
@@ -86,6 +87,16 @@ void Frame(benchmark::State& state, bool sorted, bool lines, void (*paint)())
     ViewIsolines = ViewNormals = lines;
     Repeat(state, paint); // both implementations end with glFinish
     Close();
+}
+
+/// The frame while a joint is tried.
+void TriedJoint()
+{
+    TryingJoint = true;
+    JointAngle = 10;
+    PaintFrame();
+    TryingJoint = false;
+    JointAngle = 0;
 }
 
 // The same triangles, lines and points from arrays that are made before: each kind sets its state once.
@@ -326,12 +337,15 @@ void RegisterFrameCases()
     add("frame, alternating/plain", Frame, 4, false, true, plain::PaintFrame);
     add("frame without lines, sorted", Frame, 10, true, false, PaintFrame);
     add("frame without lines, sorted/plain", Frame, 4, true, false, plain::PaintFrame);
+    add("frame, joint tried", Frame, 10, true, true, TriedJoint);
+    BenchRows.push_back(
+        {"frame with a joint tried, against without", "frame, joint tried", "frame, sorted", 1.1, true});
     add("pick", Pick, 10);
     add("pick/plain", PickPlain, 1);
     BenchRows.push_back({"frame, materials sorted", "frame, sorted", "frame, sorted/plain", 10});
     BenchRows.push_back(
         {"frame, materials sorted, against bare arrays", "frame, sorted", "frame, sorted/arrays", 1.5, true});
-    BenchRows.push_back({"frame, materials alternating", "frame, alternating", "frame, alternating/plain", 3});
+    BenchRows.push_back({"frame, materials alternating", "frame, alternating", "frame, alternating/plain", 2.5});
     // Filling the pixels of smooth lines costs both the same, so the frame is also measured without them.
     BenchRows.push_back({"frame without isolines and normals, sorted (own target)", "frame without lines, sorted",
                          "frame without lines, sorted/plain", 3});

@@ -7,6 +7,7 @@
 
 #include "app/modMath.h"
 #include "app/modMvmDef.h"
+#include "app/modUndo.h"
 #include "bench.h"
 #include "generate.h"
 #include "modSession.h"
@@ -57,6 +58,38 @@ void Mirror(benchmark::State& state, Shape shape, float threshold)
         MirrorWeights(MirrorOptions{});
     }
     MirrorVertexThreshold = 0.01F;
+    ResetSession();
+}
+
+/// The same as a command of the window runs it, which can be taken back.
+void MirrorStep(benchmark::State& state)
+{
+    FillScene(1, boneCount, 1, true, Shape::Creature);
+    std::vector<int16_t>& bones = Meshes[SkinMesh].VertexBones.Items;
+    const std::vector<int16_t> before = bones;
+    for (auto _ : state) {
+        RunStep("Mirror", [] { MirrorWeights(MirrorOptions{}); });
+        state.PauseTiming();
+        bones = before;
+        state.ResumeTiming();
+    }
+    ResetSession();
+}
+
+/// Back and forward over a step that changed every vertex.
+void UndoAll(benchmark::State& state)
+{
+    FillScene(1, boneCount, 1, true, Shape::Creature);
+    RunStep("All", [] {
+        Touch(ScenePart::Assignments, SkinMesh);
+        for (int16_t& bone : Meshes[SkinMesh].VertexBones) {
+            ++bone;
+        }
+    });
+    for (auto _ : state) {
+        UndoStep();
+        RedoStep();
+    }
     ResetSession();
 }
 
@@ -255,6 +288,12 @@ void RegisterWeightsCases()
         Add(name + "/loop", 1, NormalsLoop, oneVertex);
         BenchRows.push_back({name, name, name + "/loop", 50, false, false, 20});
     }
+    Add("mirror as a step", 5, MirrorStep);
+    BenchRows.push_back(
+        {"mirror as a step to undo, against without", "mirror as a step", "mirror, default threshold", 1.1, true});
+    Add("undo and redo", 100, UndoAll);
+    BenchRows.push_back(
+        {"undo and redo of all vertices, against a mirror", "undo and redo", "mirror, default threshold", 1, true});
     Add("auto-assign, 300 bones", 5, Auto);
     Add("auto-assign, 300 bones/loop", 2, AutoLoop);
     BenchRows.push_back({"auto-assign, 300 bones", "auto-assign, 300 bones", "auto-assign, 300 bones/loop", 5});

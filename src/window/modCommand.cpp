@@ -96,7 +96,7 @@ bool MayStep()
 
 } // namespace
 
-void Perform(const char* name, const std::function<void()>& command)
+void PerformCommand(const char* name, const std::function<void()>& command)
 {
     const int busyDepth = MainForm() == nullptr ? 0 : MainForm()->BusyDepth();
     try {

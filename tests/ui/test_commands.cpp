@@ -281,6 +281,7 @@ key W = *off -ViewIsolines -ViewCullVerts; on +ViewSolid -ViewWire || key V = *o
 key T cmdMirror = *camera=6; orbit=off || key P cmdPlay = *camera=0; orbit=on || key O tabMainHeadings = *camera=1
 focus lstSkinBones = || key T lstSkinBones = || focus select = || key T select = || focus picMain = *
 key P optMode0 = *camera=0 || key Space optMode0 = *mode=0
+key Ctrl+Z = help=Nothing to undo. || key Ctrl+Y = help=Nothing to redo. || key Ctrl+Shift+Z =
 key F11 {Command|Command:| > NoSleep now} = *log=Dedicated mode.; nosleep=yes; shown=yes
 key F11 {Command|Command:|NoSleep now > Esc} = *
 key F11 {Command|Command:|NoSleep now > x} = *log=Bad or unknown command...; shown=yes
