@@ -6,8 +6,8 @@
 
 // The benchmarks: every case runs beside its reference in one process, and the last thing printed is one table.
 
-/// A row of the table. Ours and Reference are names of registered benchmarks. With Rates set they are compared by bytes a
-/// second, else by time. The ratio is reference / ours, or ours / reference with AtMost set.
+/// A row of the table. Ours and Reference are names of registered benchmarks. With Rates set they are compared by bytes
+/// a second, else by time. The ratio is reference / ours, or ours / reference with AtMost set.
 struct BenchRow {
     std::string Case;
     std::string Ours;

@@ -17,12 +17,12 @@ enum class Shape {
 };
 
 /// A skin of LargestCount vertices, normals, texture coordinates and faces over `materials` materials. Faces of one
-/// material stand together when `sorted`, else the materials take turns. The first half of the vertices (X <= 0) carries
-/// bones 1 to `bones`.
+/// material stand together when `sorted`, else the materials take turns. The first half of the vertices (X <= 0)
+/// carries bones 1 to `bones`.
 [[nodiscard]] MvmMesh LargestMesh(Shape shape, int32_t bones, int32_t materials, bool sorted);
 
-/// Fills the scene with `meshes` of them, `bones` bones, `materials` materials and an instance for each mesh, and selects
-/// the first as the skin.
+/// Fills the scene with `meshes` of them, `bones` bones, `materials` materials and an instance for each mesh, and
+/// selects the first as the skin.
 void FillScene(int32_t meshes, int32_t bones, int32_t materials, bool sorted, Shape shape = Shape::Creature);
 
 /// The geometry of the scene as an OBJ file.

@@ -25,8 +25,8 @@ void CheckFloat(float value)
     if (std::fabs(back - static_cast<double>(value)) > bound * 1.0000001) {
         __builtin_trap();
     }
-    // The digits stand from then on, but for a power of ten whose nearest float lies so far below it (1E+28 is one) that
-    // the float has digits of its own.
+    // The digits stand from then on, but for a power of ten whose nearest float lies so far below it (1E+28 is one)
+    // that the float has digits of its own.
     const std::string digits = text.substr(0, text.find('E'));
     const bool powerOfTen =
         digits.find_first_of("23456789") == std::string::npos && digits.find('1') == digits.rfind('1');

@@ -13,6 +13,6 @@ struct FolderNames {
     std::unordered_map<std::u32string, std::string> ByFoldedName;
 };
 /// The path of a plain file in `folder` (with a separator at its end) whose name equals `name` but for the case of its
-/// letters (UTF-8); an exact match comes first. False when there is none, or when `name` names a hidden file. `names` is
-/// empty for the first question about a folder.
+/// letters (UTF-8); an exact match comes first. False when there is none, or when `name` names a hidden file. `names`
+/// is empty for the first question about a folder.
 bool FindFileAnyCase(const std::string& folder, const std::string& name, FolderNames* names, std::string* path);

@@ -47,13 +47,13 @@ struct SaveRest {
     std::string Why;   ///< the system's words for why it could not be removed
     bool Torn = false; ///< the file could not be given its old content back: the copy holds it
 };
-/// Puts the content that `make` hands over under the name `path`, whole or not at all; what it throws passes through.
-/// A new file is written beside the old one, flushed, and takes its name, owner, permissions and attributes. Where it
-/// could not take them all, or where the folder takes no new file, the old one is written in place behind a complete copy
-/// of it, and has its old content back after a failure. A link keeps pointing to its file. Refuses to write anything but a
-/// plain file.
-/// With a name for a `guard`, the old content stands under it during the save where that is possible; a file or link of
-/// that name is replaced, anything else left alone. Else a copy that is needed lies in the folder for temporary files.
+/// Puts the content that `make` hands over under the name `path`, whole or not at all; what it throws passes through. A
+/// new file is written beside the old one, flushed, and takes its name, owner, permissions and attributes. Where it
+/// could not take them all, or where the folder takes no new file, the old one is written in place behind a complete
+/// copy of it, and has its old content back after a failure. A link keeps pointing to its file. Refuses to write
+/// anything but a plain file. With a name for a `guard`, the old content stands under it during the save where that is
+/// possible; a file or link of that name is replaced, anything else left alone. Else a copy that is needed lies in the
+/// folder for temporary files.
 bool SaveWhole(const std::string& path, const std::string& guard, const PartMaker& make, SaveRest* rest,
                std::string* error);
 

@@ -133,8 +133,8 @@ double SourceOf(int i, double scale)
     return i / scale;
 }
 
-/// The label of a camera enlarged by `scale`, each pixel the mean of what it covers: at a scale that is no whole number,
-/// strokes of whole pixels would be thick and thin by turns.
+/// The label of a camera enlarged by `scale`, each pixel the mean of what it covers: at a scale that is no whole
+/// number, strokes of whole pixels would be thick and thin by turns.
 std::vector<uint8_t> EnlargedLabel(const uint8_t* label, double scale, int width, int height)
 {
     std::vector<uint8_t> enlarged;

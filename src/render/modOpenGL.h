@@ -19,9 +19,9 @@ bool InitOpenGL();
 /// Sizes the view, in device pixels; sides below 1 become 1. The viewport itself follows with the next frame. Ends with
 /// Redraw.
 void ResizeViewport(int32_t width, int32_t height);
-/// Paints one whole frame into the current framebuffer, on mid grey. Redraw asks for it; the window shows it. Relies on no
-/// GL state of earlier frames. The 2D layer, line widths and point sizes are in pixels of the window system, so that they
-/// keep their size to the eye and the rubber band lies under the mouse at any PixelScale.
+/// Paints one whole frame into the current framebuffer, on mid grey. Redraw asks for it; the window shows it. Relies on
+/// no GL state of earlier frames. The 2D layer, line widths and point sizes are in pixels of the window system, so that
+/// they keep their size to the eye and the rubber band lies under the mouse at any PixelScale.
 void PaintFrame();
 /// Forgets the context. GL textures must have been freed.
 void ShutdownOpenGL();

@@ -29,7 +29,8 @@ struct PixelRect {
     int32_t Left = 0, Bottom = 0, Right = 0, Top = 0;
 };
 
-/// A vertex inside the box and the view: its number, its pixel, and the scaled depth of that pixel as the points left it.
+/// A vertex inside the box and the view: its number, its pixel, and the scaled depth of that pixel as the points left
+/// it.
 struct Candidate {
     int32_t Vertex = 0;
     int32_t X = 0, Y = 0;

@@ -4,8 +4,8 @@
 
 #include "app/modMvmDef.h"
 
-// Picking: the visible vertices of a mesh inside a box get the active bone. Boxes are in pixels of the window system with
-// the origin at the bottom left of the view; PickVertices takes them to device pixels by PixelScale.
+// Picking: the visible vertices of a mesh inside a box get the active bone. Boxes are in pixels of the window system
+// with the origin at the bottom left of the view; PickVertices takes them to device pixels by PixelScale.
 
 /// What a released drag asks for; a drag of at most 2 pixels in a direction is 1 by 1.
 struct PickBox {
@@ -16,8 +16,8 @@ struct PickBox {
 [[nodiscard]] PickBox BoxOfDrag(float startX, float startY, float endX, float endY, int32_t viewHeight);
 
 /// Assigns the vertices of `mesh` that the box takes, edges included, then updates the status. A width or height of at
-/// most 2 stands for a click at (x, y), which takes a box of PointSize. While ViewCullVerts is true and faces are solid,
-/// only visible vertices are taken. Nothing happens for an invalid mesh or without a context.
+/// most 2 stands for a click at (x, y), which takes a box of PointSize. While ViewCullVerts is true and faces are
+/// solid, only visible vertices are taken. Nothing happens for an invalid mesh or without a context.
 void PickVertices(int16_t mesh, int32_t x, int32_t y, int32_t width, int32_t height);
 /// While true, a pick passes over vertices that have a bone, and says in the panel "toolhelp" how many.
 inline bool PickOnlyFree = false;

@@ -5,8 +5,8 @@
 
 #include "app/modMvmDef.h"
 
-// A try of a joint: the frame shows the vertices of the active bone, and of the bones that hang on it by their links, turned
-// about its joint around the axis of sight. The scene stays as it is.
+// A try of a joint: the frame shows the vertices of the active bone, and of the bones that hang on it by their links,
+// turned about its joint around the axis of sight. The scene stays as it is.
 
 inline bool TryingJoint = false;
 inline double JointAngle = 0; ///< degrees, positive anticlockwise to the eye

@@ -6,8 +6,8 @@
 
 struct Bitmap;
 
-// All that the core asks of the world above it. Who links the core supplies an implementation: the program its window, the
-// tests one that records what was asked. All texts are UTF-8.
+// All that the core asks of the world above it. Who links the core supplies an implementation: the program its window,
+// the tests one that records what was asked. All texts are UTF-8.
 
 enum class BoxIcon { Information, Warning, Stop, Question };
 enum class BoxAnswer { Yes, No, Cancel };
@@ -29,7 +29,8 @@ void ProgressStep(int32_t value);
 /// Serves pending events in the middle of a step, when enough time has passed since the last time. False when the
 /// operation is to end.
 [[nodiscard]] bool ProgressServe();
-/// Shows the value of the last step, which a step leaves to the next round of events. For a message during the operation.
+/// Shows the value of the last step, which a step leaves to the next round of events. For a message during the
+/// operation.
 void ProgressShow();
 void ProgressEnd();
 inline bool StopRequested = false; ///< the user ends the operation under way: it ends at its next step

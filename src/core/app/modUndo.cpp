@@ -273,7 +273,8 @@ void DropOldest()
     }
 }
 
-/// Swaps a step with the scene and tells the state that is reached: `side` 0 the one before the step, 1 the one after it.
+/// Swaps a step with the scene and tells the state that is reached: `side` 0 the one before the step, 1 the one after
+/// it.
 TakenStep Take(Step* step, size_t side)
 {
     TakenStep reached{.Label = step->Label,

@@ -5,9 +5,9 @@
 #include <optional>
 #include <string>
 
-// The steps that lead back from the scene as it is, and forward again. A command runs between BeginStep and EndStep (RunStep
-// does both); what changes the scene calls Touch before its first write, which keeps the part as it was. A step holds what
-// differs afterwards, one side of it: going back and forth swaps it with the scene.
+// The steps that lead back from the scene as it is, and forward again. A command runs between BeginStep and EndStep
+// (RunStep does both); what changes the scene calls Touch before its first write, which keeps the part as it was. A
+// step holds what differs afterwards, one side of it: going back and forth swaps it with the scene.
 
 enum class ScenePart {
     Assignments, ///< VertexBones and IsSkin of a mesh

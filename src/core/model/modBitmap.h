@@ -6,7 +6,8 @@
 
 // BMP colour and opacity maps, read at the fixed offsets of the classic layout and merged into one picture. A map that
 // cannot be used is told to the Info Log. The header is looked at before anything else is read; the pixels are read in
-// pieces, between which events are served. Memory is taken only for pixels that the file holds and that OpenGL can take.
+// pieces, between which events are served. Memory is taken only for pixels that the file holds and that OpenGL can
+// take.
 
 /// A picture as OpenGL takes it: red, green, blue, alpha, one byte each; rows in the order of the file.
 struct Bitmap {

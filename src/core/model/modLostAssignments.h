@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-// A model file tells the bone of a vertex by a joint number and the role of a mesh by its name. What a load of the saved
-// file will make of that can differ from what stands in memory.
+// A model file tells the bone of a vertex by a joint number and the role of a mesh by its name. What a load of the
+// saved file will make of that can differ from what stands in memory.
 
 enum class LossReason {
     NoRole,      ///< the mesh is neither skin nor shadow, or its name will give it no such role

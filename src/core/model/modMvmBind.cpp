@@ -179,8 +179,8 @@ void RenameMesh(int16_t mesh, const std::string& name)
         instance->Name.swap(names[0]);
         instance->Mesh.swap(names[1]);
     }
-    // A blank ends a header's name, "=" ends the value that links an instance to it, quotes are dropped, and braces open
-    // and close blocks.
+    // A blank ends a header's name, "=" ends the value that links an instance to it, quotes are dropped, and braces
+    // open and close blocks.
     if (newName.find_first_of(" =\"{}") != std::string::npos) {
         LogLine("A model file cannot keep the name \"" + Utf8FromCodePage(newName) +
                 "\": it holds a blank, an equals sign, a double quote or a brace.");

@@ -73,8 +73,8 @@ bool Step(size_t position, int32_t* shown)
     return true;
 }
 
-/// Reads lines that each end with a CR and perhaps an LF. The first byte is at `position` of a file of `fileSize` bytes.
-/// False after a failure and when stopped.
+/// Reads lines that each end with a CR and perhaps an LF. The first byte is at `position` of a file of `fileSize`
+/// bytes. False after a failure and when stopped.
 bool ReadWholeLines(std::string_view lines, size_t position, size_t fileSize, Loading* loading)
 {
     const char* const start = lines.data();
@@ -97,15 +97,16 @@ bool ReadWholeLines(std::string_view lines, size_t position, size_t fileSize, Lo
     return true;
 }
 
-/// How many bytes the whole lines at the start of `text` have. A CR at its end does not end a line yet: an LF may follow.
+/// How many bytes the whole lines at the start of `text` have. A CR at its end does not end a line yet: an LF may
+/// follow.
 size_t SizeOfWholeLines(std::string_view text)
 {
     const size_t lineEnd = text.substr(0, text.empty() ? 0 : text.size() - 1).rfind('\r');
     return lineEnd == std::string_view::npos ? 0 : lineEnd + (text[lineEnd + 1] == '\n' ? 2 : 1);
 }
 
-/// Reads the file in pieces, so that memory does not grow with it. False with an empty *error when the load was stopped or
-/// a line failed.
+/// Reads the file in pieces, so that memory does not grow with it. False with an empty *error when the load was stopped
+/// or a line failed.
 bool ReadLines(OpenedFile* file, Loading* loading, std::string* error)
 {
     std::string buffer(pieceSize, '\0');

@@ -86,8 +86,8 @@ void WriteEightDigits(uint32_t number, char* to)
     std::memcpy(to + 6, &digitPairs[size_t{2} * (low % 100)], 2);
 }
 
-/// Writes seven digits (the first one not 0) as first.rest times 10^exponent, for exponents from -4 to 6, without zeros at
-/// the end. Uses up to 16 characters of `to`.
+/// Writes seven digits (the first one not 0) as first.rest times 10^exponent, for exponents from -4 to 6, without zeros
+/// at the end. Uses up to 16 characters of `to`.
 char* WriteDecimal(uint32_t digits, int exponent, char* to)
 {
     std::array<char, 8> text{}; // text[0] is a "0" in front

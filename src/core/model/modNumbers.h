@@ -18,8 +18,8 @@ bool RoundToInt16(double value, int16_t* result);
 bool RoundToInt32(double value, int32_t* result);
 
 /// At most seven significant digits, no trailing zeros, a point as decimal mark in every locale. Sizes (after rounding)
-/// from 0.0001 to 9999999 are plain decimals, all others take the exponent form ("1.5E-07", "1E+07"). Zero of either sign
-/// is "0". What no text can carry becomes what a reader takes: an infinity the largest float, not-a-number "0".
+/// from 0.0001 to 9999999 are plain decimals, all others take the exponent form ("1.5E-07", "1E+07"). Zero of either
+/// sign is "0". What no text can carry becomes what a reader takes: an infinity the largest float, not-a-number "0".
 [[nodiscard]] std::string FloatToText(float value);
 /// Writes the same text to `to` (room for 24 characters) and returns the end.
 char* FloatToChars(float value, char* to);

@@ -12,7 +12,8 @@ char LowerChar(char c)
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-/// Drops the first and the last character and reads the pieces between commas. Missing pieces are 0, further ones ignored.
+/// Drops the first and the last character and reads the pieces between commas. Missing pieces are 0, further ones
+/// ignored.
 template <size_t Count>
 bool ParseNumbers(std::string_view text, std::array<float, Count>* result)
 {

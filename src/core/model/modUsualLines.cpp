@@ -10,7 +10,8 @@
 
 namespace {
 
-// Each gives the end of what it took at `at`, nullptr when something else stands there. What follows a failure is skipped.
+// Each gives the end of what it took at `at`, nullptr when something else stands there. What follows a failure is
+// skipped.
 
 const char* TakeChar(const char* at, char expected)
 {

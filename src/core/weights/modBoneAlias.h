@@ -26,7 +26,8 @@ inline Array1<BoneAliasFile> AliasFiles;
 
 /// Reads all alias files of the folder `alias` beside the program. Problems go to a message or the Info Log.
 void LoadAlias();
-/// Applies the files of the current skin and shadow to the bones. Does not look at AliasesOn. The caller refills the lists.
+/// Applies the files of the current skin and shadow to the bones. Does not look at AliasesOn. The caller refills the
+/// lists.
 void ApplyAliases();
 /// Writes the entries of one file into the bones.
 void ApplyAlias(int16_t file);

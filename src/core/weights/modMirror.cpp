@@ -70,8 +70,8 @@ std::vector<int16_t> PairBones(bool leftToRight)
     return partners;
 }
 
-/// The bone that each vertex gives to its mirror vertices, 0 for none; entry 0 is not used. Mirroring writes one side and
-/// reads the other, so these can be settled before.
+/// The bone that each vertex gives to its mirror vertices, 0 for none; entry 0 is not used. Mirroring writes one side
+/// and reads the other, so these can be settled before.
 std::vector<int16_t> GivenBones(const MvmMesh& mesh, bool leftToRight)
 {
     const bool useAliasLinks = AliasesOn && HasAliasFile(mesh.Name);
@@ -90,8 +90,8 @@ std::vector<int16_t> GivenBones(const MvmMesh& mesh, bool leftToRight)
     return given;
 }
 
-/// The vertices of the source side: those that give a bone, for filling alone once more with backward indices, and those
-/// that give none.
+/// The vertices of the source side: those that give a bone, for filling alone once more with backward indices, and
+/// those that give none.
 struct Sources {
     PointTree Filling, FillingBackwards, Clearing;
 };
@@ -119,8 +119,8 @@ Sources CollectSources(const MvmMesh& mesh, const std::vector<int16_t>& given, c
             BuildPointTree(std::move(clearing))};
 }
 
-/// The bone of a vertex after all sources that pair with it have been worked through in index order. A source that gives
-/// a bone fills a vertex without one, or any with Reassign; one that gives none clears it with Unassign.
+/// The bone of a vertex after all sources that pair with it have been worked through in index order. A source that
+/// gives a bone fills a vertex without one, or any with Reassign; one that gives none clears it with Unassign.
 int16_t BoneAfter(int16_t bone, const Sources& sources, const std::vector<int16_t>& given, const OpenBox& box,
                   const MirrorOptions& options)
 {

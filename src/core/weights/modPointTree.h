@@ -7,8 +7,8 @@
 
 #include "app/modMvmDef.h"
 
-// Searches for points by position: a k-d tree in one array. The middle node of a stretch parts it on the axis of its depth;
-// lower coordinates lie before it, higher ones behind it.
+// Searches for points by position: a k-d tree in one array. The middle node of a stretch parts it on the axis of its
+// depth; lower coordinates lie before it, higher ones behind it.
 
 using Place = std::array<float, 3>;
 

@@ -18,8 +18,8 @@
 
 namespace {
 
-// Header: magic, three version numbers, bone count, name, vertex count. Record: three floats and a bone. All numbers are
-// little-endian, nothing is padded.
+// Header: magic, three version numbers, bone count, name, vertex count. Record: three floats and a bone. All numbers
+// are little-endian, nothing is padded.
 constexpr std::string_view magic = "BWRT";
 constexpr size_t versionAt = 4;
 constexpr size_t boneCountAt = 10;
@@ -92,8 +92,8 @@ bool ConfirmVersion()
            BoxAnswer::Yes;
 }
 
-/// Holds a complete header with the right magic against the program, the skeleton and the mesh. False when the load must
-/// not go on.
+/// Holds a complete header with the right magic against the program, the skeleton and the mesh. False when the load
+/// must not go on.
 bool CheckHeader(std::string_view bytes, const MvmMesh& mesh)
 {
     const bool sameVersion = LittleEndian<int16_t>(bytes, versionAt) == VersionMajor &&

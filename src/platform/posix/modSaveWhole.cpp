@@ -248,7 +248,8 @@ bool CopyInto(int to, const std::string& path, std::vector<char>* buffer)
     return Finish(to, good && StepTruncate(to, size) == 0);
 }
 
-/// Makes the guard a complete copy of the target in a fresh file. False, with errno set and nothing left, when it fails.
+/// Makes the guard a complete copy of the target in a fresh file. False, with errno set and nothing left, when it
+/// fails.
 bool CopyToGuard(int fd, const std::string& name, Saving* saving)
 {
     if (fd < 0) {
@@ -311,8 +312,8 @@ bool OpenBeside(const Saving& saving, NewFile* file)
     return file->Descriptor >= 0;
 }
 
-/// Gives a new file all that the old one has beside its content. The mode comes last, since a change of the owner and of
-/// the access list changes it.
+/// Gives a new file all that the old one has beside its content. The mode comes last, since a change of the owner and
+/// of the access list changes it.
 bool TakeOver(const Saving& saving, int fd)
 {
     struct stat made {};
@@ -376,8 +377,8 @@ bool WriteParts(int fd, const PartMaker& make)
     return failure == 0;
 }
 
-/// Writes a new file and puts it in place of the target. Nothing when the folder takes no new file, or when the new file
-/// cannot be what the old one was: then the old one must be written in place.
+/// Writes a new file and puts it in place of the target. Nothing when the folder takes no new file, or when the new
+/// file cannot be what the old one was: then the old one must be written in place.
 std::optional<bool> Replace(const PartMaker& make, Saving* saving, std::string* error)
 {
     if (saving->Exists && saving->Old.st_nlink > 1) {

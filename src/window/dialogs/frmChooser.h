@@ -11,7 +11,7 @@ struct ChooserNames {
     const char* List;
 };
 
-/// Shows a modal list of "NONE" and the rows 1 to `count` (at most 32,767), each with the UTF-8 text that `label` gives.
-/// Row `current` is selected at first, or "NONE" when there is no such row. Gives the row, or -1 for Cancel.
+/// Shows a modal list of "NONE" and the rows 1 to `count` (at most 32,767), each with the UTF-8 text that `label`
+/// gives. Row `current` is selected at first, or "NONE" when there is no such row. Gives the row, or -1 for Cancel.
 int16_t ChooseRow(const ChooserNames& names, int32_t count, int16_t current,
                   const std::function<std::string(int16_t)>& label);

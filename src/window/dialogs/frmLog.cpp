@@ -18,8 +18,8 @@
 namespace {
 
 constexpr qsizetype charactersPerTurn = 200'000;
-// The field lays a line out as a whole. A name of many megabytes, which a file can hold, would stop the window, so it goes
-// on in rows of its own.
+// The field lays a line out as a whole. A name of many megabytes, which a file can hold, would stop the window, so it
+// goes on in rows of its own.
 constexpr qsizetype longestRow = 1'000'000;
 
 class LogWindow : public QWidget {
@@ -92,7 +92,8 @@ void LogWindow::Clear()
     txtLog->clear();
 }
 
-// One insertion of many lines costs a fraction of as many insertions, and pieces of a bounded size keep the windows alive.
+// One insertion of many lines costs a fraction of as many insertions, and pieces of a bounded size keep the windows
+// alive.
 void LogWindow::Flush()
 {
     const QString piece = waiting.mid(taken, charactersPerTurn);

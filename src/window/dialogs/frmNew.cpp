@@ -95,8 +95,8 @@ NewDialog::NewDialog(QWidget* owner)
     connect(cmdCancel, &QPushButton::clicked, this, [this] { reject(); });
 }
 
-// The toolkit guesses the frame of a dialog that is not yet on the screen, and guesses anew when it comes back. Both windows
-// have the frame of one window manager, so centre lies on centre when the areas inside the frames do.
+// The toolkit guesses the frame of a dialog that is not yet on the screen, and guesses anew when it comes back. Both
+// windows have the frame of one window manager, so centre lies on centre when the areas inside the frames do.
 void NewDialog::CentreOnOwner()
 {
     const QPoint corner = parentWidget()->geometry().center() - rect().center();

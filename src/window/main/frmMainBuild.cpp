@@ -162,8 +162,8 @@ void frmMain::BuildView()
     if (CanHaveView()) {
         auto* view = new GLView(centralWidget());
         picMain = view;
-        // A driver may learn the new size of a window with the swap of its buffers alone, so the first picture of a size
-        // can stand too low; the second one is right.
+        // A driver may learn the new size of a window with the swap of its buffers alone, so the first picture of a
+        // size can stand too low; the second one is right.
         connect(view, &QOpenGLWidget::frameSwapped, this, [this] {
             if (std::exchange(resized, false)) {
                 Redraw(true);

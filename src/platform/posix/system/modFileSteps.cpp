@@ -14,8 +14,8 @@
 
 namespace {
 
-/// Calls read(data, size) with a buffer that is large enough: with none at first, which gives the size. False with errno
-/// set when it fails.
+/// Calls read(data, size) with a buffer that is large enough: with none at first, which gives the size. False with
+/// errno set when it fails.
 template <typename Read>
 bool ReadSized(const Read& read, std::vector<char>* bytes)
 {
