@@ -34,8 +34,12 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 };
 
-/// The main window: every widget of it and the handlers of all commands. The handlers are implemented in the folder of
-/// the subsystem that they serve, in files named frmMain<Subject>.cpp.
+// Codes of keys that picMain_KeyDown and EditKey share.
+inline constexpr int32_t codePageUp = 33;
+inline constexpr int32_t codePageDown = 34;
+
+/// The main window: every widget of it and the handlers of all commands. Each group of handlers has a file of its own,
+/// frmMain<Subject>.cpp.
 class frmMain : public QMainWindow {
 public:
     frmMain();
@@ -46,7 +50,7 @@ public:
     /// True once the window has closed for good.
     [[nodiscard]] bool Unloaded() const { return unloaded; }
 
-    // Document (app/frmMainDocument.cpp). Paths are the file system's own.
+    // Document (frmMainDocument.cpp). Paths are the file system's own.
     /// Loads a file into the scene and makes it the document. Does not close what is open.
     void OpenFile(const std::string& filename);
     /// Closes the open model after its question. False when the user kept it.
@@ -62,7 +66,7 @@ public:
     void mnuFileRevert_Click();
     void mnuFileClose_Click();
 
-    // While a long operation serves events, what would change the scene is disabled (app/frmMainStatus.cpp).
+    // While a long operation serves events, what would change the scene is disabled (frmMainStatus.cpp).
     void BeginBusy();
     void EndBusy();
     /// Also when a load that failed has left its progress open.
@@ -72,11 +76,11 @@ public:
     [[nodiscard]] int BusyDepth() const { return busyDepth; }
     [[nodiscard]] bool Busy() const { return busyDepth > 0; }
 
-    // Menu (interaction/frmMainMenu.cpp).
+    // Menu (frmMainMenu.cpp).
     /// The entry or submenu with this name; stops the program when the table has no such row.
     [[nodiscard]] QAction* Entry(const char* name) const;
 
-    // Tools, mouse, wheel and cameras (interaction/frmMainMouse.cpp). Positions are pixels of the view.
+    // Tools, mouse, wheel and cameras (frmMainMouse.cpp). Positions are pixels of the view.
     void SetCamera(int16_t camera);
     void SetToolMode(int16_t tool);
     /// Zooms by whole notches, positive away from the user.
@@ -89,11 +93,11 @@ public:
     /// Ends drags in the view and in the lists: what was begun on one scene must not end on another.
     void CancelGestures();
 
-    // Keyboard and console (interaction/frmMainKeys.cpp). Codes are 'A' to 'Z', '0' to '9', 17 Ctrl, 122 F11, 0 other.
+    // Keyboard and console (frmMainKeys.cpp). Codes are 'A' to 'Z', '0' to '9', 17 Ctrl, 122 F11, 0 other.
     void picMain_KeyDown(int32_t code);
     void OpenConsole();
 
-    // Keys for work that goes over many vertices (main/frmMainEditKeys.cpp).
+    // Keys for work that goes over many vertices (frmMainEditKeys.cpp).
     /// E, G, N, U, Page Up and Page Down; nothing for other codes.
     void EditKey(int32_t code);
     /// Lets moves of the mouse turn the joint of the active bone until EndTryJoint.
@@ -101,13 +105,13 @@ public:
     void TurnJoint(QPointF position);
     void EndTryJoint();
 
-    // View options (render/frmMainView.cpp).
+    // View options (frmMainView.cpp).
     void ToggleFlag(bool* flag, const char* entry);
     void SetWire(bool wire);
     void ReadFlagsFromTicks();
     void mnuToolsReloadTextures_Click();
 
-    // Editing (weights/frmMainEditing.cpp).
+    // Editing (frmMainEditing.cpp).
     void cmdSelectSkinMesh_Click();
     void cmdSelectShadowMesh_Click();
     void cmdUnAssign_Click();
@@ -124,18 +128,18 @@ public:
     void mnuViewToolsRegenNormals_Click();
     void mnuViewToolsAutoAssign_Click();
 
-    // Bone lists (weights/frmMainBones.cpp).
+    // Bone lists (frmMainBones.cpp).
     void BoneList_Click(const BoneList* list);
     [[nodiscard]] BoneList* ListOf(int16_t list) const { return list == 0 ? lstSkinBones : lstShadowBones; }
 
-    // Options and help (dialogs/frmMainOptions.cpp).
+    // Options and help (frmMainOptions.cpp).
     void mnuOptionsAlias_Click();
     void mnuOptionsMirrorVertThreshold_Click();
     void mnuOptionsMirrorBoneThreshold_Click();
     void mnuOptionsPointsize_Click();
     void mnuHelpReadme_Click();
 
-    // Layout (interaction/frmMainLayout.cpp).
+    // Layout (frmMainLayout.cpp).
     void LayOut();
     /// Takes the frame that the window manager draws into account: the outer size is at least 660 by 508.
     void FitFrame();

@@ -16,8 +16,6 @@
 
 namespace {
 
-constexpr int32_t codePageUp = 33;
-constexpr int32_t codePageDown = 34;
 constexpr double degreesPerPixel = 0.125;
 
 void Say(const std::string& text)

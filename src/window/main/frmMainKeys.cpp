@@ -24,8 +24,6 @@ namespace {
 constexpr int32_t codeCtrl = 17;
 constexpr int32_t codeF11 = 122;
 constexpr int longestRepeatGap = 60; ///< milliseconds from the release of a repetition to its press
-constexpr int32_t codePageUp = 33;
-constexpr int32_t codePageDown = 34;
 
 /// The keys of a Latin keyboard by their place: what lies on a row, from the scan code of its first key on.
 struct KeyRow {
