@@ -41,6 +41,11 @@ void Type(QDialog* dialog, const std::string& text)
 
 void Perform(const Step& step, QDialog* dialog)
 {
+    // Before it stands, its parts have no places yet, and clicks are lost.
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(dialog));
+    if (dialog->layout() != nullptr) {
+        dialog->layout()->activate();
+    }
     const size_t arrow = step.Line.rfind(" > ");
     if (arrow != std::string::npos) {
         const std::string wanted = step.Line.substr(0, arrow);
@@ -77,7 +82,7 @@ void Answer(QDialog* dialog, const std::string& answer)
     } else if (const auto* box = qobject_cast<QMessageBox*>(dialog)) {
         for (QAbstractButton* button : box->buttons()) {
             if (button->text().remove(u'&').toStdString() == answer) {
-                QTest::mouseClick(button, Qt::LeftButton);
+                button->click();
                 return;
             }
         }

@@ -312,8 +312,10 @@ optShadow1 = *row=0 0; status=1:0; target=1 || wheel 120 lstShadowBones =)");
     // A release that went elsewhere, and another window that takes the keyboard, end a drag.
     for (const bool moved : {true, false}) {
         window.Do("press middle 20,20");
+        EXPECT_EQ(window->focusWidget(), window->picMain);
         QMouseEvent move(QEvent::MouseMove, QPointF(70, 80), QPointF(70, 80), Qt::NoButton, Qt::NoButton, {});
-        moved ? (void)QApplication::sendEvent(window->picMain, &move) : ShowInfoLog();
+        EXPECT_TRUE(
+            window.Paints([&] { moved ? (void)QApplication::sendEvent(window->picMain, &move) : ShowInfoLog(); }));
         EXPECT_TRUE(QTest::qWaitFor([] { return MouseButton == 0; }));
         EXPECT_EQ(CursorOf(window->picMain), "select 15,15");
     }
@@ -451,6 +453,9 @@ mnuFileNew {New Vorrel -1 > cmdBrowse test cmdOK} {Vorrel Skin Model File|open ~
  rows=NONE,Preset09,Right01,Left02,Head|NONE,$j$Low01,$j$High02; shadow=2:06; shown=dirty; skin=3:0; status=1:0
 mnuFileSave {Save File|save ~/||Morvane Models (*.mvm) > ~/d.mvm} = file=~/d.mvm; files= b.mvm c.mvm d.mvm;
  last=~/d.mvm; shown=yes; title=BWRT 0.2.7 - [~/d.mvm]
+mnuFileNew {! Any... > Yes} {New Vorrel -1 > cmdBrowse test cmdOK} {V... > ~/c.mvm} {i Please... > OK}
+ {Meshes 0 > cmdCancel} = *file=; last=~/c.mvm; meshes= Body/0s $Shadow/0s Plain/0;
+ rows=NONE,Preset09,Right01,Left02,Top03|NONE,$j$Low01,$j$High02; shown=dirty; skin=1:0000; status=4:0; title=BWRT 0.2.7
 mnuFileExit {! Any changes to open files will be lost.|Continue? > No} =)");
     std::filesystem::remove(preset);
     DoWithout("presets", window, "mnuFileNew",

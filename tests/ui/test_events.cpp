@@ -136,6 +136,7 @@ TEST(WindowEvents, ADropOpensTheFirstModelOfIt)
         EXPECT_EQ(ModelOpen, opens) << dropped;
     }
     EXPECT_EQ(CurrentFile, path);
+    EXPECT_TRUE(window->acceptDrops());
     const Script script({Question + "No"});
     window->DropFile(path);
 }
@@ -151,6 +152,7 @@ TEST(WindowEvents, TheProgressStandsOnTheStatusBar)
         ProgressBegin(maximum);
         EXPECT_TRUE(window->pgbProgress->isVisible() && window->txtProgress->isVisible());
         EXPECT_EQ(window->pgbProgress->value(), 0);
+        EXPECT_FALSE(window->pgbProgress->isTextVisible());
         ProgressStep(value);
         EXPECT_EQ(window->txtProgress->text().toStdString(), percent) << value;
         EXPECT_EQ(window->pgbProgress->value(), bar);
