@@ -20,7 +20,7 @@ namespace {
 
 constexpr int labelWidth = 80;
 constexpr int labelHeight = 16;
-constexpr std::array<uint8_t, CameraCount* labelWidth* labelHeight> labelResource = {
+constexpr std::array<uint8_t, size_t{CameraCount}* labelWidth* labelHeight> labelResource = {
 #include "cameraLabels.inc"
 };
 

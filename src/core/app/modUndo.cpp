@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <deque>
 #include <utility>
@@ -218,8 +219,8 @@ bool PackPart(KeptPart* part, int32_t* vertices)
     if (const auto* side = std::get_if<NameSide>(&part->Side)) {
         return *side != NamesNow(Meshes[part->Mesh]);
     }
-    const RoleSide now = RolesNow();
-    return std::memcmp(std::get_if<RoleSide>(&part->Side), &now, sizeof(RoleSide)) != 0;
+    using Bits = std::array<uint32_t, sizeof(RoleSide) / sizeof(uint32_t)>;
+    return std::bit_cast<Bits>(std::get<RoleSide>(part->Side)) != std::bit_cast<Bits>(RolesNow());
 }
 
 size_t BytesOf(const AssignmentSide& side)
@@ -337,7 +338,7 @@ void EndStep(const char* label)
     DropOldest();
 }
 
-void RollBackStep() noexcept
+void RollBackStep()
 {
     for (KeptPart& part : kept) {
         SwapPart(&part);

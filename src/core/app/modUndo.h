@@ -34,7 +34,7 @@ void Touch(ScenePart part, int32_t mesh);
 /// The label must live as long as the program.
 void EndStep(const char* label);
 /// Puts the parts kept back in place, for an operation that failed; the step may go on. Allocates nothing.
-void RollBackStep() noexcept;
+void RollBackStep();
 /// Forgets all steps, also the one that is being made: another scene is there or on its way.
 void ForgetSteps();
 
