@@ -347,6 +347,9 @@ row 1 = *bone=1; row=1 -1; status=3:1 || cmdUnAssign = *skin=1:2000
 cmdMirror {Mirror Weights > optMirror1 cmdOK} = *log=2 : 1; skin=1:2100
 row 2 = *bone=2; row=2 -1; status=1:2 || cmdUnAssign = *skin=1:0100
 cmdMirror {M... > optMirror1 chkReassign chkUnassign chkReassign cmdOK} = *log=2 : 1; skin=1:0000
+key PgUp = *bone=1; help=Active bone: Right01; row=1 -1; status=0:1 || key PgDown = *bone=2; help=Active bone: Left02; row=2 -1; status=0:2
+key N = *help=No vertex of Body stands alone among other bones. || key E = *help=There is no vertex under the pointer.
+key U = *eye=10 -200 0.94 -0.059 -2; help=Vertex 1 of Body; 4 unassigned. || key U = *eye=10 -200 -0.94 0.059 -2; help=Vertex 2 of Body; 4 unassigned.
 optShadow1 = *bone=0; row=2 0; status=1:0; target=1 || row 1 = *bone=4; row=2 1; status=0:4 || optShadow1 =
 optShadow0 = *bone=2; status=0:2; target=0 || optShadow1 = *bone=4; status=0:4; target=1
 row 2 = *bone=5; row=2 2; status=1:5 || cmdReAssign {Bones 5 > 2 cmdOK} = *bone=2; shadow=2:02; status=1:2
