@@ -1,9 +1,5 @@
-#include <csignal>
 #include <random>
 
-#include <sched.h>
-#include <sys/mount.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include "model/modDocument.h"
@@ -11,7 +7,6 @@
 #include "model/modMvmBind.h"
 #include "model/modStrings.h"
 #include "modSession.h"
-#include "support/apart.h"
 #include "support/fresh.h"
 #include "weights/modWeights.h"
 
@@ -57,32 +52,6 @@ TEST_F(Document, WhatASaveLeavesIsTold)
     Bones[1].Name = "Tail02";
     EXPECT_EQ(Saved(Path), failed + "Operation not permitted\nThe old content is kept in \"" + Path + ".old\".\n");
     EXPECT_EQ(Content(Path + ".old"), saved);
-}
-
-// On a real disk of 64 KB that only this process sees, or without the administrator's rights under a limit.
-TEST_F(Document, AFullDiskKeepsTheOldFilesAndIsTold)
-{
-    Apart([this] {
-        const bool disk = unshare(CLONE_NEWNS) == 0 && mount("", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-                          mount("tmpfs", Folder.Path.c_str(), "tmpfs", 0, "size=64k") == 0;
-        const std::string old(20'000, 'o');
-        PutFile(Path, old);
-        PutFile(Folder / "a.wif", old);
-        const rlimit limit{old.size(), old.size()};
-        std::signal(SIGXFSZ, SIG_IGN);
-        ASSERT_TRUE(disk || setrlimit(RLIMIT_FSIZE, &limit) == 0);
-        AddSkin("S", std::vector<Vec3>(4000), std::vector<int16_t>(4000));
-        const std::string full = disk ? "No space left on device\n" : "File too large\n";
-        EXPECT_EQ(Saved(Path), failed + full);
-        EXPECT_EQ(Saved(Folder / "new.mvm"), failed + full);
-        SaveWeights(Folder / "a.wif", 1);
-        EXPECT_EQ(Told(), "Stop: Runtime error in SaveWeights\n" + full);
-        if (disk && mount("", Folder.Path.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) == 0) {
-            EXPECT_EQ(Saved(Path), readOnly);
-        }
-        EXPECT_EQ(Content(Path) + Content(Folder / "a.wif"), old + old);
-        EXPECT_THAT(Folder.Names(), testing::ElementsAre("a.mvm", "a.wif"));
-    });
 }
 
 TEST_F(Document, WhatCannotBeWrittenIsLeftAlone)

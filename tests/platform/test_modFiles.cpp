@@ -1,7 +1,10 @@
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 
 #include "modFileListing.h"
 #include "modFiles.h"
+#include "support/apart.h"
 #include "support/fresh.h"
 
 using testing::ElementsAre;
@@ -78,6 +81,16 @@ TEST_F(Files, ReadOnlyIsWhatTheOwnerMayNotWrite)
     EXPECT_TRUE(IsReadOnly(Folder / "a"));
     std::filesystem::create_symlink("a", Folder / "link");
     EXPECT_TRUE(IsReadOnly(Folder / "link"));
+    Apart([this] { // a disk that takes nothing, where the administrator's rights allow one
+        ASSERT_EQ(chmod((Folder / "a").c_str(), 0666), 0);
+        EXPECT_FALSE(IsReadOnly(Folder / "a"));
+        const char* const path = Folder.Path.c_str();
+        if (unshare(CLONE_NEWNS) == 0 && mount("", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+            mount(path, path, nullptr, MS_BIND, nullptr) == 0 &&
+            mount("", path, nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr) == 0) {
+            EXPECT_TRUE(IsReadOnly(Folder / "a"));
+        }
+    });
 }
 
 TEST_F(Files, ListsPlainFilesAndFindsThemInAnyCase)

@@ -234,12 +234,7 @@ TEST_F(Saving, EveryFailureLeavesOneWholeContent)
 TEST_F(Saving, RemovesWhatDeadProcessesLeft)
 {
     const std::string folder = WithOld("there");
-    const pid_t dead = fork();
-    if (dead == 0) {
-        _exit(0);
-    }
-    Await(dead);
-    const std::string gone = ".a." + std::to_string(dead) + ".tmp";
+    const std::string gone = ".a." + std::to_string(Apart([] {})) + ".tmp";
     const std::string alive = ".a." + std::to_string(getppid()) + ".tmp";
     for (const std::string& name : {gone, alive, std::string(".a.x.tmp"), std::string(".b.1.tmp")}) {
         PutFile(folder + name, "");
