@@ -96,6 +96,7 @@ void FailEachOfStep(const char* name, const std::function<void()>& operation)
     FailEach(step, [&](int number, bool failed, bool thrown) {
         if (failed && (thrown || !scripted::Messages.empty())) {
             EXPECT_EQ(SceneBytes(), before) << number;
+            EXPECT_TRUE(thrown || scripted::Messages.back().Text.ends_with("\nThere is not enough memory.")) << number;
         }
         UndoStep();
         EXPECT_EQ(SceneBytes(), before) << number;

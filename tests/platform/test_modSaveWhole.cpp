@@ -124,21 +124,18 @@ TEST_F(Saving, WritesInPlaceWhatItCannotReplace)
 TEST_F(Saving, NeedsNoRoomForAGuardNorForAName)
 {
     const std::string folder = WithOld("there");
+    const std::string longest(255, 'n');
     std::filesystem::create_directory(folder + "a.old");
-    EXPECT_TRUE(Save(folder + "a", folder + "a.old")) << Error;
-    EXPECT_EQ(Content(folder + "a"), newContent);
-
-    const std::string longest = folder + std::string(255, 'n');
-    EXPECT_TRUE(Save(longest, longest + ".old")) << Error;
-    PutFile(longest, oldContent);
-    EXPECT_TRUE(Save(longest, longest + ".old")) << Error;
-    EXPECT_EQ(Content(longest), newContent);
-
-    // A link to the very name that the guard would take.
     std::filesystem::create_symlink("a", folder + "link");
-    PutFile(folder + "a", oldContent);
-    EXPECT_TRUE(Save(folder + "link", folder + "a"));
-    EXPECT_EQ(Content(folder + "a"), newContent);
+    const std::pair<std::string, std::string> cases[] = {{"a", "a.old"},
+                                                         {longest, longest + ".old"}, // a new file, then an old one
+                                                         {longest, longest + ".old"},
+                                                         {"link", "a"}}; // a link to the very name of the guard
+    for (const auto& [name, guard] : cases) {
+        EXPECT_TRUE(Save(folder + name, folder + guard)) << Error;
+        EXPECT_EQ(Content(folder + name), newContent);
+        PutFile(folder + name, oldContent);
+    }
     EXPECT_EQ(NamesIn(folder).size(), 4U);
 }
 
@@ -234,11 +231,12 @@ TEST_F(Saving, EveryFailureLeavesOneWholeContent)
 TEST_F(Saving, RemovesWhatDeadProcessesLeft)
 {
     const std::string folder = WithOld("there");
-    const std::string gone = ".a." + std::to_string(Apart([] {})) + ".tmp";
-    const std::string alive = ".a." + std::to_string(getppid()) + ".tmp";
-    for (const std::string& name : {gone, alive, std::string(".a.x.tmp"), std::string(".b.1.tmp")}) {
+    const std::string gone = ".a." + std::to_string(Apart([] {}));
+    const std::vector<std::string> kept = {".a." + std::to_string(getppid()) + ".tmp", ".b.1.tmp", gone + "x.tmp", "a"};
+    for (const std::string& name : kept) {
         PutFile(folder + name, "");
     }
+    PutFile(folder + gone + ".tmp", "");
     ASSERT_TRUE(Save(folder + "a"));
-    EXPECT_THAT(NamesIn(folder), UnorderedElementsAre("a", alive, ".a.x.tmp", ".b.1.tmp"));
+    EXPECT_THAT(NamesIn(folder), testing::UnorderedElementsAreArray(kept));
 }
