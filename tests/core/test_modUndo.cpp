@@ -252,4 +252,12 @@ TEST_F(Undo, StaysWithinItsMemory)
     EXPECT_EQ(CountBoneVerts(1, 1), 10001);
     EXPECT_FALSE(IsSceneChanged());
     StepMemoryLimit = usual;
+    const size_t before = StepMemory();
+    Meshes[1].Normals.Items.resize(30000);
+    Meshes[1].Name.resize(100'000);
+    RunStep("Both", [] {
+        RegenerateNormals(1);
+        RenameMesh(1, "short");
+    });
+    EXPECT_GE(StepMemory(), before + 30000 * sizeof(Vec3) + 100'000);
 }

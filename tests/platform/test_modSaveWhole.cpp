@@ -37,14 +37,15 @@ protected:
         return SaveWhole(path, guard, writeParts, &Rest, &Error);
     }
 
-    /// A fresh folder with the file "a" in it.
-    [[nodiscard]] std::string WithOld(const std::string& name) const
+    /// A fresh folder with the file "a" in it, beside an empty one for temporary files.
+    [[nodiscard]] std::string WithOld() const
     {
-        const std::string folder = Folder / name;
-        std::filesystem::remove_all(folder);
-        std::filesystem::create_directory(folder);
-        PutFile(folder + "/a", oldContent);
-        return folder + "/";
+        for (const char* name : {"there/", "spare/"}) {
+            std::filesystem::remove_all(Folder / name);
+            std::filesystem::create_directory(Folder / name);
+        }
+        PutFile(Folder / "there/a", oldContent);
+        return Folder / "there/";
     }
 
     SaveRest Rest;
@@ -67,7 +68,7 @@ TEST_F(Saving, KeepsOwnerGroupModeAttributesAndOtherNames)
 {
     const bool administrator = getuid() == 0;
     for (const bool linked : {false, true}) {
-        const std::string folder = WithOld("there");
+        const std::string folder = WithOld();
         const std::string path = folder + "a";
         ASSERT_EQ(chown(path.c_str(), administrator ? 1001 : getuid(), administrator ? 1002 : getgid()), 0);
         ASSERT_EQ(chmod(path.c_str(), 02764), 0);
@@ -96,7 +97,7 @@ TEST_F(Saving, WritesInPlaceWhatItCannotReplace)
     if (getuid() != 0) {
         GTEST_SKIP() << "Other users' files can be made by the administrator alone.";
     }
-    const std::string folder = WithOld("there");
+    const std::string folder = WithOld();
     const std::string path = folder + "a";
     const std::pair<uid_t, mode_t> cases[] = {{1001, 0777},   // another's file that all may write
                                               {1001, 01777},  // in a sticky folder
@@ -123,7 +124,7 @@ TEST_F(Saving, WritesInPlaceWhatItCannotReplace)
 
 TEST_F(Saving, NeedsNoRoomForAGuardNorForAName)
 {
-    const std::string folder = WithOld("there");
+    const std::string folder = WithOld();
     const std::string longest(255, 'n');
     std::filesystem::create_directory(folder + "a.old");
     std::filesystem::create_symlink("a", folder + "link");
@@ -187,7 +188,7 @@ TEST_F(Saving, EveryFailureLeavesOneWholeContent)
         const bool guarded = situation / 6 % 2 == 1;
         for (int step = 1;; ++step) {
             SCOPED_TRACE("situation " + std::to_string(situation) + ", step " + std::to_string(step));
-            const std::string folder = WithOld("there");
+            const std::string folder = WithOld();
             const std::string path = folder + "a";
             if (kind == 0) {
                 std::filesystem::remove(path);
@@ -217,8 +218,6 @@ TEST_F(Saving, EveryFailureLeavesOneWholeContent)
                 EXPECT_FALSE(Rest.Torn);
             }
             EXPECT_EQ(NamesIn(Folder / "spare").size(), Rest.Guard.starts_with(Folder / "spare") ? 1U : 0U);
-            std::filesystem::remove_all(Folder / "spare");
-            std::filesystem::create_directory(Folder / "spare");
             if (!reached) {
                 break;
             }
@@ -230,7 +229,7 @@ TEST_F(Saving, EveryFailureLeavesOneWholeContent)
 
 TEST_F(Saving, RemovesWhatDeadProcessesLeft)
 {
-    const std::string folder = WithOld("there");
+    const std::string folder = WithOld();
     const std::string gone = ".a." + std::to_string(Apart([] {}));
     const std::vector<std::string> kept = {".a." + std::to_string(getppid()) + ".tmp", ".b.1.tmp", gone + "x.tmp", "a"};
     for (const std::string& name : kept) {
