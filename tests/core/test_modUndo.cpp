@@ -62,7 +62,7 @@ struct Undo : FreshFolder {
     Undo() { MakeScene(); }
 };
 
-/// Lets each allocation fail in turn: `check` hears its number, whether it was reached and whether an exception came out.
+/// Lets each allocation fail in turn: `check` hears its number, whether it was reached and whether it was thrown on.
 void FailEach(const std::function<void()>& operation, const std::function<void(int, bool, bool)>& check)
 {
     int number = 1;
@@ -200,13 +200,11 @@ TEST_F(Undo, TellsWhatAStepDid)
     const auto back = UndoStep();
     ASSERT_TRUE(back);
     EXPECT_EQ(back->Label, "Three");
-    EXPECT_EQ(back->Vertices, 6);
-    EXPECT_EQ(back->ActiveBone, 2);
-    EXPECT_EQ(back->EditTarget, 0);
+    EXPECT_THAT((std::array{back->Vertices, int{back->ActiveBone}, int{back->EditTarget}}),
+                testing::ElementsAre(6, 2, 0));
     const auto forward = RedoStep();
     ASSERT_TRUE(forward);
-    EXPECT_EQ(forward->ActiveBone, 1);
-    EXPECT_EQ(forward->EditTarget, 1);
+    EXPECT_TRUE(forward->ActiveBone == 1 && forward->EditTarget == 1);
     EXPECT_FALSE(RedoStep());
 }
 

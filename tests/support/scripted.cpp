@@ -3,12 +3,9 @@
 #include <algorithm>
 
 #include "app/modFrontEnd.h"
-#include "app/modMvmDef.h"
 #include "modFiles.h"
 #include "modLocale.h"
 #include "modSession.h"
-#include "weights/modBoneAlias.h"
-#include "weights/modMirror.h"
 #include "weights/modWeights.h"
 
 namespace {
