@@ -207,7 +207,8 @@ TEST_F(ModelFile, WritesAndTellsWhatTheCasesSay)
 
 TEST_F(ModelFile, TurnsTheAxesAndWritesJointsFromAssignmentsOnly)
 {
-    const std::string bone = BoneText("a07", "(0.5,-1.25,3)", "(0,0,0)", std::string(300'000, 'x') + "||");
+    const std::string bone =
+        "bone \"a07\"|{| position = (0.5,-1.25,3)| rotation = (0,0,0)|" + std::string(300'000, 'x') + "||}||";
     ASSERT_TRUE(Load(CrLf(FileInfoText + bone)));
     EXPECT_TRUE(Bones[1].Position.Y == 3 && Bones[1].Position.Z == 1.25F);
     EXPECT_TRUE(ModelText() == CrLf(FileInfoText + bone));

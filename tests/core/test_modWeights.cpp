@@ -93,12 +93,13 @@ TEST_F(Weights, RefusesForeignAndCutFilesAndRecords)
         EXPECT_EQ(Told(), bytes.starts_with("BWRT") ? failed + "The file ends within its header.\n"
                                                     : "Warning: File is not an weight information file.\n");
     }
-    for (const int mode : {1, 2}) {
+    std::swap(Meshes[1].Vertices[1], Meshes[1].Vertices[2]);
+    for (const int mode : {1, 2}) { // in the order of the file, by position
         Meshes[1].VertexBones.Items = {1, 1, 1, 1, 2};
         Loaded(good.substr(0, good.size() - 1), {}, mode);
         EXPECT_FALSE(LogDirty);
         EXPECT_EQ(Told(), "Log: Cannot assign vertex 4 to bone 3, bone does not exist.\n");
-        EXPECT_THAT(Meshes[1].VertexBones.Items, ElementsAre(0, 2, 1, 1, 2));
+        EXPECT_THAT(Meshes[1].VertexBones.Items, ElementsAre(mode == 1 ? 0 : 2, mode == 1 ? 2 : 0, 1, 1, 2));
     }
 }
 

@@ -37,77 +37,57 @@ protected:
         return SaveWhole(path, guard, writeParts, &Rest, &Error);
     }
 
-    /// A fresh folder with the file "a" in it.
-    [[nodiscard]] std::string WithOld(const std::string& name) const
+    /// A fresh folder with the file "a" in it, beside an empty one for temporary files.
+    [[nodiscard]] std::string WithOld() const
     {
-        const std::string folder = Folder / name;
-        std::filesystem::remove_all(folder);
-        std::filesystem::create_directory(folder);
-        PutFile(folder + "/a", oldContent);
-        return folder + "/";
+        for (const char* name : {"there/", "spare/"}) {
+            std::filesystem::remove_all(Folder / name);
+            std::filesystem::create_directory(Folder / name);
+        }
+        PutFile(Folder / "there/a", oldContent);
+        return Folder / "there/";
     }
 
     SaveRest Rest;
 };
 
-struct stat StatusOf(const std::string& path)
+/// Owner, group, mode and an attribute.
+std::string KeptOf(const std::string& path)
 {
     struct stat status {};
     EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
-    return status;
-}
-
-std::vector<std::string> NamesIn(const std::string& folder)
-{
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        names.push_back(entry.path().filename().string());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::string Attribute(const std::string& path, const char* name)
-{
-    std::string value(64, '\0');
-    const ssize_t size = getxattr(path.c_str(), name, value.data(), value.size());
-    value.resize(size > 0 ? static_cast<size_t>(size) : 0);
-    return value;
+    std::string note(64, '\0');
+    note.resize(static_cast<size_t>(std::max<ssize_t>(getxattr(path.c_str(), "user.note", note.data(), 64), 0)));
+    return std::to_string(status.st_uid) + " " + std::to_string(status.st_gid) + " " +
+           std::to_string(status.st_mode & 07777U) + " " + note;
 }
 
 } // namespace
 
-TEST_F(Saving, ANewFileHasWhatTheSystemGivesNewFiles)
-{
-    const mode_t mask = umask(027);
-    ASSERT_TRUE(Save(Folder / "b\xFF name"));
-    umask(mask);
-    EXPECT_EQ(Content(Folder / "b\xFF name"), newContent);
-    EXPECT_EQ(StatusOf(Folder / "b\xFF name").st_mode & 07777U, 0640U);
-    EXPECT_THAT(Folder.Names(), UnorderedElementsAre("b\xFF name", "spare"));
-}
-
 TEST_F(Saving, KeepsOwnerGroupModeAttributesAndOtherNames)
 {
+    const bool administrator = getuid() == 0;
     for (const bool linked : {false, true}) {
-        const std::string folder = WithOld("there");
+        const std::string folder = WithOld();
         const std::string path = folder + "a";
-        const bool administrator = getuid() == 0;
         ASSERT_EQ(chown(path.c_str(), administrator ? 1001 : getuid(), administrator ? 1002 : getgid()), 0);
         ASSERT_EQ(chmod(path.c_str(), 02764), 0);
         const bool attributes = setxattr(path.c_str(), "user.note", "of the user", 11, 0) == 0;
         if (linked) {
             std::filesystem::create_hard_link(path, folder + "second");
         }
-        const struct stat before = StatusOf(path);
+        const std::string before = KeptOf(path);
+        const auto fail = [](const PartWriter& write) {
+            write("new");
+            throw std::bad_alloc();
+        };
+        EXPECT_THROW(SaveWhole(path, path + ".old", fail, &Rest, &Error), std::bad_alloc);
+        EXPECT_EQ(Content(path), oldContent);
         ASSERT_TRUE(Save(path, path + ".old")) << Error;
-        const struct stat after = StatusOf(path);
         EXPECT_EQ(Content(path), newContent);
         EXPECT_EQ(Content(folder + "second"), linked ? newContent : "(none)");
-        EXPECT_EQ(after.st_uid, before.st_uid);
-        EXPECT_EQ(after.st_gid, before.st_gid);
-        EXPECT_EQ(after.st_mode, before.st_mode);
-        EXPECT_EQ(Attribute(path, "user.note"), attributes ? "of the user" : "");
+        EXPECT_EQ(KeptOf(path), before);
+        EXPECT_EQ(before.ends_with("of the user"), attributes);
         EXPECT_EQ(NamesIn(folder).size(), linked ? 2U : 1U);
     }
 }
@@ -117,29 +97,25 @@ TEST_F(Saving, WritesInPlaceWhatItCannotReplace)
     if (getuid() != 0) {
         GTEST_SKIP() << "Other users' files can be made by the administrator alone.";
     }
-    const std::string folder = WithOld("there");
+    const std::string folder = WithOld();
     const std::string path = folder + "a";
-    const struct {
-        const char* Case;
-        uid_t Owner;
-        mode_t Folder;
-    } cases[] = {{"another's file that all may write", 1001, 0777},
-                 {"in a sticky folder", 1001, 01777},
-                 {"a folder that is not writable", 65534, 0555}};
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.Case);
+    const std::pair<uid_t, mode_t> cases[] = {{1001, 0777},   // another's file that all may write
+                                              {1001, 01777},  // in a sticky folder
+                                              {65534, 0555}}; // in a folder that is not writable
+    ASSERT_EQ(chmod(Folder.Path.c_str(), 0755), 0);
+    ASSERT_EQ(chmod((Folder / "spare").c_str(), 01777), 0);
+    for (const auto& [owner, mode] : cases) {
+        SCOPED_TRACE(mode);
         PutFile(path, oldContent);
-        ASSERT_EQ(chown(path.c_str(), row.Owner, 1002), 0);
+        ASSERT_EQ(chown(path.c_str(), owner, 1002), 0);
         ASSERT_EQ(chmod(path.c_str(), 0666), 0);
-        ASSERT_EQ(chmod(folder.c_str(), row.Folder), 0);
-        ASSERT_EQ(chmod(Folder.Path.c_str(), 0755), 0);
-        ASSERT_EQ(chmod((Folder / "spare").c_str(), 01777), 0);
+        ASSERT_EQ(chmod(folder.c_str(), mode), 0);
+        const std::string before = KeptOf(path);
         Apart([&] {
             ASSERT_TRUE(setgid(65534) == 0 && setuid(65534) == 0);
             ASSERT_TRUE(Save(path, path + ".old")) << Error;
             EXPECT_EQ(Content(path), newContent);
-            EXPECT_EQ(StatusOf(path).st_uid, row.Owner);
-            EXPECT_EQ(StatusOf(path).st_gid, 1002U);
+            EXPECT_EQ(KeptOf(path), before);
             EXPECT_THAT(NamesIn(folder), ElementsAre("a"));
             EXPECT_THAT(NamesIn(Folder / "spare"), ElementsAre());
         });
@@ -148,39 +124,37 @@ TEST_F(Saving, WritesInPlaceWhatItCannotReplace)
 
 TEST_F(Saving, NeedsNoRoomForAGuardNorForAName)
 {
-    const std::string folder = WithOld("there");
+    const std::string folder = WithOld();
+    const std::string longest(255, 'n');
     std::filesystem::create_directory(folder + "a.old");
-    EXPECT_TRUE(Save(folder + "a", folder + "a.old")) << Error;
-    EXPECT_EQ(Content(folder + "a"), newContent);
-
-    const std::string longest = folder + std::string(255, 'n');
-    EXPECT_TRUE(Save(longest, longest + ".old")) << Error;
-    PutFile(longest, oldContent);
-    EXPECT_TRUE(Save(longest, longest + ".old")) << Error;
-    EXPECT_EQ(Content(longest), newContent);
-
-    // A link to the very name that the guard would take.
     std::filesystem::create_symlink("a", folder + "link");
-    PutFile(folder + "a", oldContent);
-    EXPECT_TRUE(Save(folder + "link", folder + "a"));
-    EXPECT_EQ(Content(folder + "a"), newContent);
+    const std::pair<std::string, std::string> cases[] = {{"a", "a.old"},
+                                                         {longest, longest + ".old"}, // a new file, then an old one
+                                                         {longest, longest + ".old"},
+                                                         {"link", "a"}}; // a link to the very name of the guard
+    for (const auto& [name, guard] : cases) {
+        EXPECT_TRUE(Save(folder + name, folder + guard)) << Error;
+        EXPECT_EQ(Content(folder + name), newContent);
+        PutFile(folder + name, oldContent);
+    }
     EXPECT_EQ(NamesIn(folder).size(), 4U);
 }
 
-TEST_F(Saving, GoesThroughLinks)
+TEST_F(Saving, GoesThroughLinksAndMakesWhatIsMissing)
 {
-    std::filesystem::create_directory(Folder / "sub");
-    PutFile(Folder / "sub/a", oldContent);
-    std::filesystem::create_symlink("sub/a", Folder / "second");
+    std::filesystem::create_symlink("spare/a\xFF name", Folder / "second");
     std::filesystem::create_symlink(Folder / "second", Folder / "first");
-    std::filesystem::create_symlink("sub/missing", Folder / "dangling");
-    ASSERT_TRUE(Save(Folder / "first"));
-    EXPECT_EQ(Content(Folder / "sub/a"), newContent);
-    ASSERT_TRUE(Save(Folder / "dangling"));
-    EXPECT_EQ(Content(Folder / "sub/missing"), newContent);
-    for (const char* name : {"first", "second", "dangling"}) {
-        EXPECT_TRUE(std::filesystem::is_symlink(Folder / name)) << name;
+    const mode_t mask = umask(027);
+    for (const char* content : {"(none)", oldContent}) {
+        EXPECT_EQ(Content(Folder / "first"), content);
+        ASSERT_TRUE(Save(Folder / "first"));
+        EXPECT_EQ(Content(Folder / "spare/a\xFF name"), newContent);
+        EXPECT_THAT(KeptOf(Folder / "first"), testing::EndsWith(" " + std::to_string(0640) + " "));
+        EXPECT_TRUE(std::filesystem::is_symlink(Folder / "first") && std::filesystem::is_symlink(Folder / "second"));
+        PutFile(Folder / "first", oldContent);
     }
+    umask(mask);
+    EXPECT_THAT(NamesIn(Folder / "spare"), ElementsAre("a\xFF name"));
 }
 
 TEST_F(Saving, WritesNothingButFiles)
@@ -214,7 +188,7 @@ TEST_F(Saving, EveryFailureLeavesOneWholeContent)
         const bool guarded = situation / 6 % 2 == 1;
         for (int step = 1;; ++step) {
             SCOPED_TRACE("situation " + std::to_string(situation) + ", step " + std::to_string(step));
-            const std::string folder = WithOld("there");
+            const std::string folder = WithOld();
             const std::string path = folder + "a";
             if (kind == 0) {
                 std::filesystem::remove(path);
@@ -244,8 +218,6 @@ TEST_F(Saving, EveryFailureLeavesOneWholeContent)
                 EXPECT_FALSE(Rest.Torn);
             }
             EXPECT_EQ(NamesIn(Folder / "spare").size(), Rest.Guard.starts_with(Folder / "spare") ? 1U : 0U);
-            std::filesystem::remove_all(Folder / "spare");
-            std::filesystem::create_directory(Folder / "spare");
             if (!reached) {
                 break;
             }
@@ -255,36 +227,15 @@ TEST_F(Saving, EveryFailureLeavesOneWholeContent)
     }
 }
 
-TEST_F(Saving, ContentThatCannotBeMadeLeavesTheOldFile)
-{
-    for (const bool linked : {false, true}) {
-        const std::string folder = WithOld("there");
-        if (linked) {
-            std::filesystem::create_hard_link(folder + "a", folder + "second");
-        }
-        const auto writeParts = [](const PartWriter& write) {
-            write("new");
-            throw std::bad_alloc();
-        };
-        EXPECT_THROW(SaveWhole(folder + "a", folder + "a.old", writeParts, &Rest, &Error), std::bad_alloc);
-        EXPECT_EQ(Content(folder + "a"), oldContent);
-        EXPECT_EQ(NamesIn(folder).size(), linked ? 2U : 1U);
-    }
-}
-
 TEST_F(Saving, RemovesWhatDeadProcessesLeft)
 {
-    const std::string folder = WithOld("there");
-    const pid_t dead = fork();
-    if (dead == 0) {
-        _exit(0);
-    }
-    Await(dead);
-    const std::string gone = ".a." + std::to_string(dead) + ".tmp";
-    const std::string alive = ".a." + std::to_string(getppid()) + ".tmp";
-    for (const std::string& name : {gone, alive, std::string(".a.x.tmp"), std::string(".b.1.tmp")}) {
+    const std::string folder = WithOld();
+    const std::string gone = ".a." + std::to_string(Apart([] {}));
+    const std::vector<std::string> kept = {".a." + std::to_string(getppid()) + ".tmp", ".b.1.tmp", gone + "x.tmp", "a"};
+    for (const std::string& name : kept) {
         PutFile(folder + name, "");
     }
+    PutFile(folder + gone + ".tmp", "");
     ASSERT_TRUE(Save(folder + "a"));
-    EXPECT_THAT(NamesIn(folder), UnorderedElementsAre("a", alive, ".a.x.tmp", ".b.1.tmp"));
+    EXPECT_THAT(NamesIn(folder), testing::UnorderedElementsAreArray(kept));
 }

@@ -44,22 +44,6 @@ protected:
     const std::string Path = Folder / "a.mvm";
 };
 
-/// Runs `act`, which says whether all went well, with each of its file steps failing in turn. Gives their number.
-inline int FailEachStep(const std::function<bool()>& act)
-{
-    for (int step = 1;; ++step) {
-        SCOPED_TRACE(step);
-        scripted::Steps = 0;
-        scripted::FailAt = step;
-        const bool good = act();
-        EXPECT_EQ(good, scripted::Steps < step);
-        if (good || scripted::Steps < step) {
-            scripted::FailAt = 0;
-            return scripted::Steps;
-        }
-    }
-}
-
 /// All that was told since the last call: the messages, the questions and the log, each with a line feed behind it.
 inline std::string Told()
 {

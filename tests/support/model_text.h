@@ -28,13 +28,6 @@ inline std::string CrLf(std::string text)
 
 inline const std::string FileInfoText = "fileinfo|{| formatversion = 1.0.2|}||";
 
-/// A bone as the writer writes it; `extra` is what stands in front of the closing brace.
-inline std::string BoneText(const std::string& name, const std::string& position = "(0,0,0)",
-                            const std::string& rotation = "(0,0,0)", const std::string& extra = "")
-{
-    return "bone \"" + name + "\"|{| position = " + position + "| rotation = " + rotation + "|" + extra + "}||";
-}
-
 inline void AddBones(const std::vector<std::string>& names)
 {
     for (const std::string& name : names) {

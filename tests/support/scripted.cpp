@@ -3,12 +3,9 @@
 #include <algorithm>
 
 #include "app/modFrontEnd.h"
-#include "app/modMvmDef.h"
 #include "modFiles.h"
 #include "modLocale.h"
 #include "modSession.h"
-#include "weights/modBoneAlias.h"
-#include "weights/modMirror.h"
 #include "weights/modWeights.h"
 
 namespace {
@@ -18,12 +15,17 @@ int progressMaximum = 1;
 template <typename T>
 T TakeFront(std::deque<T>* answers, T otherwise)
 {
-    if (answers->empty()) {
-        return otherwise;
+    if (!answers->empty()) {
+        otherwise = answers->front();
+        answers->pop_front();
     }
-    T answer = std::move(answers->front());
-    answers->pop_front();
-    return answer;
+    return otherwise;
+}
+
+template <typename... T>
+void Clear(T*... values)
+{
+    ((*values = T()), ...);
 }
 
 } // namespace
@@ -39,25 +41,12 @@ std::string Panel(const std::string& key)
 
 void Reset()
 {
-    Steps = FailAt = FailError = 0;
-    FailAfter = false;
-    MissingSteps.clear();
     ResetSession();
     WeightsAssignMode = 0;
-    Messages.clear();
-    Questions.clear();
-    Answers.clear();
-    AssignModes.clear();
-    Log.clear();
-    Panels.clear();
-    Progress.clear();
-    DeletedTextures.clear();
-    LogShown = Redraws = 0;
-    for (int list = 0; list < 2; ++list) {
-        BoneRows[list].clear();
-        SelectedRow[list] = -1;
-    }
-    Folder.clear();
+    Clear(&Steps, &FailAt, &FailError, &FailAfter, &MissingSteps, &LogShown, &Redraws, &Folder);
+    Clear(&Messages, &Questions, &Answers, &AssignModes, &Log, &Panels, &Progress, &DeletedTextures);
+    Clear(&BoneRows[0], &BoneRows[1]);
+    SelectedRow[0] = SelectedRow[1] = -1;
     DecimalMark = ".";
     LargestTextureSide = 1 << 30;
 }

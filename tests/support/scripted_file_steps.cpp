@@ -65,19 +65,17 @@ STEP(int, StepDelete, (const std::string& path), path)
 
 ssize_t StepWrite(int fd, const char* data, size_t size)
 {
-    const bool fails = Fails("StepWrite");
+    if (!Fails("StepWrite")) {
+        return own::StepWrite(fd, data, size);
+    }
     const int error = errno;
-    // A disk that fills up takes a part first.
-    const ssize_t taken = own::StepWrite(fd, data, fails ? size / 2 : size);
-    errno = fails ? error : errno;
-    return fails ? -1 : taken;
+    own::StepWrite(fd, data, size / 2); // a disk that fills up takes a part first
+    errno = error;
+    return -1;
 }
 
 int StepClose(int fd)
 {
-    const bool fails = Fails("StepClose");
-    const int error = errno;
     const int result = own::StepClose(fd);
-    errno = fails ? error : errno;
-    return fails ? -1 : result;
+    return Fails("StepClose") ? -1 : result;
 }

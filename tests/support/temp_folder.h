@@ -9,6 +9,17 @@
 #include <string_view>
 #include <vector>
 
+/// The names of all entries of a folder, hidden ones too, sorted.
+inline std::vector<std::string> NamesIn(const std::string& folder)
+{
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        names.push_back(entry.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
 /// A new, empty folder that goes away with all that lies in it.
 struct TempFolder {
     std::string Path; ///< with a separator at its end
@@ -27,17 +38,7 @@ struct TempFolder {
     TempFolder& operator=(const TempFolder&) = delete;
 
     [[nodiscard]] std::string operator/(const std::string& name) const { return Path + name; }
-
-    /// The names of all entries, hidden ones too, sorted.
-    [[nodiscard]] std::vector<std::string> Names() const
-    {
-        std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(Path)) {
-            names.push_back(entry.path().filename().string());
-        }
-        std::sort(names.begin(), names.end());
-        return names;
-    }
+    [[nodiscard]] std::vector<std::string> Names() const { return NamesIn(Path); }
 };
 
 /// The content of a file by other means than those under test; "(none)" without a file.
