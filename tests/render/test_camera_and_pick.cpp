@@ -42,8 +42,8 @@ void ExpectVector(const Vec3& v, double x, double y, double z)
 
 TEST_F(CameraTest, EachLooksAlongItsAxis)
 {
-    // Where the axes +X, +Y and +Z point: to the right, up and to the eye. The first two are turned by 200 degrees about
-    // Y, then by 10 about X.
+    // Where the axes +X, +Y and +Z point: to the right, up and to the eye. The first two are turned by 200 degrees
+    // about Y, then by 10 about X.
     const Vec3 turned[] = {
         {-0.939693F, 0.059391F, -0.336824F}, {0, 0.984808F, 0.173648F}, {0.34202F, 0.163176F, -0.925417F}};
     const Vec3 ways[][3] = {{turned[0], turned[1], turned[2]},   {turned[0], turned[1], turned[2]},

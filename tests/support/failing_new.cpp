@@ -5,7 +5,10 @@
 
 void* operator new(std::size_t size)
 {
-    const bool fails = allocation::FailAt != 0 && ++allocation::Seen == allocation::FailAt;
+    const auto* caller = static_cast<const char*>(__builtin_return_address(0));
+    const bool counts = allocation::FailAt != 0 &&
+                        (allocation::From == nullptr || (caller >= allocation::From && caller < allocation::To));
+    const bool fails = counts && ++allocation::Seen == allocation::FailAt;
     void* memory = fails ? nullptr : std::malloc(size == 0 ? 1 : size);
     if (memory == nullptr) {
         throw std::bad_alloc();

@@ -38,8 +38,8 @@ void OpenSquare();
 /// nowhere, assigned at random.
 void BuildCreature(std::mt19937* random, int rings, int segments);
 
-/// Starts each test from the state of the program's start, with camera 4 (looking along -Z) and a view of 200 by 160: the
-/// scene's (x, y) lies at pixel (100 + 80 x, 80 + 80 y).
+/// Starts each test from the state of the program's start, with camera 4 (looking along -Z) and a view of 200 by 160:
+/// the scene's (x, y) lies at pixel (100 + 80 x, 80 + 80 y).
 class RenderTest : public testing::Test {
 protected:
     std::mt19937 random{20250101};

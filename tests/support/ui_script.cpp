@@ -125,7 +125,8 @@ void Script::Wait()
 void Script::Poll()
 {
     auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-    // A dialog whose step still runs only stands below the one that the step opened; one that has closed may come again.
+    // A dialog whose step still runs only stands below the one that the step opened; one that has closed may come
+    // again.
     const bool fresh = dialog != nullptr && !dialog->property("stepRuns").toBool() &&
                        (dialog != lastDialog || !dialog->property("stepDone").toBool());
     if (!fresh || !dialog->isVisible()) {

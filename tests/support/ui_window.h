@@ -17,7 +17,8 @@
 #include "support/temp_folder.h"
 #include "support/ui_script.h"
 
-/// The real main window on a scene as at the program's start, with a folder of its own for files. Ends the program's way.
+/// The real main window on a scene as at the program's start, with a folder of its own for files. Ends the program's
+/// way.
 class UiWindow : QObject {
 public:
     /// Takes a command line, or the text of a model, which it opens as a.mvm of the folder.
@@ -26,9 +27,9 @@ public:
 
     frmMain* operator->() const { return window.get(); }
     frmMain& operator*() const { return *window; }
-    /// Starts a command by its widget: an entry or a button by its name, "tab 1", "row 2" in the visible list of bones, "key
-    /// C" or "wheel 120" on the view or on a widget that is named behind it, "press left 10,10", "move 20,20" and "release
-    /// left 20,20" in the view. The dialogs that it opens must be those of the script.
+    /// Starts a command by its widget: an entry or a button by its name, "tab 1", "row 2" in the visible list of bones,
+    /// "key C" or "wheel 120" on the view or on a widget that is named behind it, "press left 10,10", "move 20,20" and
+    /// "release left 20,20" in the view. The dialogs that it opens must be those of the script.
     void Do(const std::string& trigger, std::deque<Step> dialogs = {}) const;
     /// Shows the tab "Editing" with the bone in this row of the visible list chosen.
     void Edit(int row) const;
@@ -54,8 +55,8 @@ inline const std::string Question = "! Any changes to open files will be lost.|C
 /// The text of the Info Log, null while there is none.
 [[nodiscard]] QPlainTextEdit* LogField();
 
-/// Five bones with joints, of which two for shadows, a skin "Body" of four vertices, the first of bone 1, a shadow of two,
-/// a mesh "Plain" that is no skin and has no instance, and a material whose texture is missing.
+/// Five bones with joints, of which two for shadows, a skin "Body" of four vertices, the first of bone 1, a shadow of
+/// two, a mesh "Plain" that is no skin and has no instance, and a material whose texture is missing.
 [[nodiscard]] std::string SmallModel();
 /// A model with a flat skin of side * side vertices, 0.15 from one to the next, and five bones. No vertex has a bone.
 [[nodiscard]] std::string BoardModel(int side);

@@ -66,8 +66,8 @@ TEST(WindowKeys, CtrlTurnsThemOffUntilAKeyGoesUpOnTheView)
 TEST(WindowKeys, AreTakenByTheirPlaceOnOtherAlphabets)
 {
     const UiWindow window;
-    // Key, scan code, camera, tool: Cyrillic on the key of T, Greek on L and C, Arabic on D, which does nothing; signs on 1,
-    // 3, 4 and 5; T of a Latin layout of another order, a Latin letter of its own, and no letter at all.
+    // Key, scan code, camera, tool: Cyrillic on the key of T, Greek on L and C, Arabic on D, which does nothing; signs
+    // on 1, 3, 4 and 5; T of a Latin layout of another order, a Latin letter of its own, and no letter at all.
     const std::array<int, 4> keys[] = {{0x415, 28, 7, 0}, {0x39B, 46, 5, 0}, {0x3A8, 54, 2, 0},       {0x6CC, 40, 1, 0},
                                        {'&', 10, 1, 0},   {'"', 12, 1, 2},   {'\'', 13, 1, 3},        {'/', 14, 1, 3},
                                        {'T', 46, 7, 3},   {0xD6, 46, 1, 3},  {Qt::Key_Left, 28, 1, 3}};
