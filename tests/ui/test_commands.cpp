@@ -318,6 +318,7 @@ optShadow1 = *row=0 0; status=1:0; target=1 || wheel 120 lstShadowBones =)");
             window.Paints([&] { moved ? (void)QApplication::sendEvent(window->picMain, &move) : ShowInfoLog(); }));
         EXPECT_TRUE(QTest::qWaitFor([] { return MouseButton == 0; }));
         EXPECT_EQ(CursorOf(window->picMain), "select 15,15");
+        EXPECT_EQ(window->panels[0]->text().startsWith(QStringLiteral("The drag was given up")), !moved);
     }
 }
 

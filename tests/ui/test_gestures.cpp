@@ -39,17 +39,6 @@ TEST(Gestures, ABoxDoesNotOutliveItsScene)
     EXPECT_GT(boxAround([&] { window->ListDragging = false; }), 0);
 }
 
-TEST(Gestures, AnotherWindowInFrontGivesUpTheDrag)
-{
-    const UiWindow window;
-    QTest::mousePress(window->picMain, Qt::LeftButton, {}, {20, 20});
-    QWidget other;
-    other.show();
-    other.activateWindow();
-    ASSERT_TRUE(QTest::qWaitFor([] { return MouseButton == 0; }));
-    EXPECT_EQ(window->panels[0]->text(), QStringLiteral("The drag was given up: another window came to the front."));
-}
-
 // The menu that comes up takes the releases.
 TEST(Gestures, AReleaseOverTheCameraMenuEndsTheDrag)
 {
