@@ -73,17 +73,12 @@ TEST(Gestures, ADragOutOfABoneListKeepsItsRow)
     }
 }
 
-TEST(Gestures, TheWheelZoomsWithEveryKeyHeld)
+TEST(Gestures, TheWheelZoomsWithAltHeld)
 {
     const UiWindow window;
-    for (const QPoint turn : {QPoint(0, 120), QPoint(120, 0)}) {
-        const float before = Cameras[1].Position.Z;
-        const QPointF at(10, 10);
-        const auto held = turn.x() != 0 ? Qt::AltModifier : Qt::NoModifier;
-        QWheelEvent event(at, window->picMain->mapToGlobal(at), QPoint(), turn, Qt::NoButton, held, Qt::NoScrollPhase,
-                          false);
-        QSpontaneKeyEvent::setSpontaneous(&event);
-        qApp->notify(window->picMain, &event);
-        EXPECT_NE(Cameras[1].Position.Z, before) << held;
-    }
+    const float before = Cameras[1].Position.Z;
+    QWheelEvent event({}, {}, QPoint(), QPoint(120, 0), Qt::NoButton, Qt::AltModifier, Qt::NoScrollPhase, false);
+    QSpontaneKeyEvent::setSpontaneous(&event);
+    qApp->notify(window->picMain, &event);
+    EXPECT_NE(Cameras[1].Position.Z, before);
 }

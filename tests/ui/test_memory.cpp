@@ -22,40 +22,24 @@ TEST(Memory, ThatEndsInACommandEndsItInABox)
     closer.start(1);
     allocation::From = &__executable_start;
     allocation::To = &etext;
-    const auto entry = [&](const char* name) { return [&window, name] { window->Entry(name)->trigger(); }; };
-    const auto press = [&](Qt::Key key) {
-        return [&window, key] {
-            QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
-            QApplication::sendEvent(window->picMain, &event);
-        };
-    };
-    const std::vector<std::function<void()>> commands = {
-        entry("mnuOptionsAlias"),
-        entry("mnuToolsStatsBones"),
-        entry("mnuToolsReloadTextures"),
-        entry("mnuFileSave"),
-        [&] { window->cmdUnAssign->click(); },
-        [&] { window->cmdMirror->click(); },
-        [&] { window->lstSkinBones->setCurrentRow(2); },
-        press(Qt::Key_N),
-        press(Qt::Key_U),
-        press(Qt::Key_C),
-    };
-    for (size_t i = 0; i < commands.size(); i++) {
+    for (const char* name : {"mnuOptionsAlias", "mnuToolsStatsBones", "mnuToolsReloadTextures", "mnuFileSave",
+                             "cmdUnAssign", "cmdMirror", "mnuViewCameraTop", "optShadow1", "optMode0"}) {
+        auto* button = window->findChild<QPushButton*>(QLatin1String(name));
+        QAction* entry = button == nullptr ? window->Entry(name) : nullptr;
         for (int number = 1, last = 1; number <= last && number < 400; ++number) {
             ActiveBone = 1;
             const std::string before = SceneBytes();
             const int boxesBefore = boxes;
             allocation::FailNext(number);
-            commands[i]();
+            button == nullptr ? entry->trigger() : button->click();
             last = allocation::Seen;
             allocation::FailAt = 0;
-            if (boxes > boxesBefore && i > 0) {
-                EXPECT_EQ(SceneBytes(), before) << i << " " << number;
+            if (boxes > boxesBefore && std::string_view(name) != "mnuOptionsAlias") {
+                EXPECT_EQ(SceneBytes(), before) << name << " " << number;
             }
             while (UndoStep()) {
             }
-            EXPECT_EQ(window->lstSkinBones->count() + window->lstShadowBones->count(), BoneCount() + 2) << i;
+            EXPECT_EQ(window->lstSkinBones->count() + window->lstShadowBones->count(), BoneCount() + 2) << name;
             EXPECT_FALSE(window->Busy());
         }
     }
