@@ -6,7 +6,6 @@
 #include <optional>
 #include <vector>
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,6 +13,7 @@
 #include "modFiles.h"
 #include "posix/modFileErrors.h"
 #include "posix/modFileSteps.h"
+#include "posix/modOpenedFolder.h"
 
 namespace {
 
@@ -131,17 +131,16 @@ std::optional<pid_t> ProcessOf(std::string_view name, const std::string& target)
 void RemoveLeftovers(const std::string& target)
 {
     const std::string folder = FolderOf(target);
-    DIR* listing = opendir(OrHere(folder).c_str());
+    const OpenedFolder listing = OpenFolder(OrHere(folder));
     if (listing == nullptr) {
         return;
     }
-    while (const dirent* entry = readdir(listing)) {
+    while (const dirent* entry = readdir(listing.get())) {
         const std::optional<pid_t> process = ProcessOf(entry->d_name, target);
         if (process && *process > 0 && (*process == getpid() || (kill(*process, 0) != 0 && errno == ESRCH))) {
             (void)unlink((folder + entry->d_name).c_str());
         }
     }
-    closedir(listing);
 }
 
 /// A save under way. Its texts are made before its first step, so that no step need end for want of memory.

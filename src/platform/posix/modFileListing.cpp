@@ -1,12 +1,12 @@
+#include "modFileListing.h"
+
 #include <algorithm>
 #include <cstddef>
 
-#include <dirent.h>
-
 #include "modCodePage.h"
-#include "modFileListing.h"
 #include "modFiles.h"
 #include "modUtf8.h"
+#include "posix/modOpenedFolder.h"
 
 namespace {
 
@@ -28,18 +28,17 @@ std::u32string Folded(const std::string& name)
 std::vector<std::string> ListFiles(const std::string& folder)
 {
     std::vector<std::string> names;
-    DIR* listing = opendir(folder.c_str());
+    const OpenedFolder listing = OpenFolder(folder);
     if (listing == nullptr) {
         return names;
     }
     const std::string start = folder.ends_with('/') ? folder : folder + "/";
-    while (const dirent* entry = readdir(listing)) {
+    while (const dirent* entry = readdir(listing.get())) {
         std::string name = entry->d_name;
         if (!name.starts_with('.') && IsPlainFile(start + name)) {
             names.push_back(std::move(name));
         }
     }
-    closedir(listing);
     return names;
 }
 
