@@ -55,7 +55,6 @@ double Blend(double a, double b, double k)
 Body MakeBody(const Skeleton& skeleton)
 {
     Body body;
-    body.sole = -0.5;
     const auto bone = [&](const char* stem) { return FindBone(skeleton, stem); };
     const auto at = [&](const char* stem) { return skeleton[static_cast<size_t>(bone(stem))].at; };
     const auto add = [&](const char* stem, Group group, V3 a, V3 b, double ra, double rb, double wide = 1) {
@@ -117,7 +116,6 @@ Body MakeShadowBody(const Skeleton& skeleton)
 {
     Body body;
     body.tight = 0.05;
-    body.sole = -0.5;
     const auto bone = [&](const char* stem) { return FindBone(skeleton, stem); };
     const auto at = [&](const char* stem) { return skeleton[static_cast<size_t>(bone(stem))].at; };
     const auto add = [&](const char* stem, Group group, V3 a, V3 b, double ra, double rb, double wide = 1) {
@@ -132,9 +130,9 @@ Body MakeShadowBody(const Skeleton& skeleton)
     const int lastTail = FindBone(skeleton, "$j$Tail") + 1;
     body.limbs.push_back({{0, 0.06, 0.58}, {0, 0.12, 0.74}, 0.058, 0.052, lastTail, tail});
     add("$j$ArmR", arm, at("$j$ArmR"), at("$j$ForeR"), 0.08, 0.06);
-    add("$j$ForeR", arm, at("$j$ForeR"), V3{0.122, -0.45, -0.23}, 0.06, 0.062);
+    add("$j$ForeR", arm, at("$j$ForeR"), V3{0.122, -0.3, -0.23}, 0.06, 0.062);
     add("$j$LegR", leg, at("$j$LegR"), at("$j$FootR"), 0.1, 0.06);
-    add("$j$FootR", leg, at("$j$FootR"), V3{0.125, -0.45, 0.32}, 0.06, 0.062);
+    add("$j$FootR", leg, at("$j$FootR"), V3{0.125, -0.3, 0.32}, 0.06, 0.062);
     return body;
 }
 
@@ -153,7 +151,7 @@ double Distance(const Body& body, V3 at)
         all = all > 9 ? group : Blend(all, group, body.loose);
     }
     const double k = 0.02;
-    const double ground = body.sole - p.y;
+    const double ground = sole - p.y;
     const double h = std::max(k - std::fabs(all - ground), 0.0) / k;
     return std::max(all, ground) + h * h * h * k / 6;
 }

@@ -50,6 +50,7 @@ constexpr V3 nose{34, 24, 26};
 // A place on the hide: where it is, which way it faces, and its place along and around its part.
 struct Spot {
     V3 at, normal;
+    V3 head; // seen from the joint of the head
     V2 raw;
     V2 trunk; // its place along and around the trunk, whatever part it belongs to
     Chart chart;
@@ -75,15 +76,14 @@ V3 TrunkColour(const Spot& spot, V3 colour)
     const double above = 1 - spot.trunk.v;
     const bool isTail = spot.at.z > 0.45;
     const double width = isTail ? 0.55 : 0.34 * Step(0.3, 0.75, above) + 0.06;
-    const double fade = isTail ? 1 : Step(0.36, 0.56, above) * Step(-0.47, -0.36, spot.at.z - 0.2 * spot.at.y);
+    const double fade = isTail ? 1 : Step(0.36, 0.56, above) * Step(0.038, 0.148, spot.head.z - 0.2 * spot.head.y);
     return Mix(TrunkGround(spot, colour), umber, 0.92 * fade * Bands(spot.trunk.u, isTail ? 13 : 10.5, width, spot.at));
 }
 
 V3 HeadColour(const Spot& spot, V3 colour, const Skeleton& skeleton)
 {
-    const V3 head = skeleton[static_cast<size_t>(FindBone(skeleton, "Head"))].at;
     const V3 eye = skeleton[static_cast<size_t>(FindBone(skeleton, "EyeR"))].at;
-    const V3 d = V3{spot.at.x, spot.at.y, spot.at.z} - head;
+    const V3 d = spot.head;
     const double above = 1 - spot.raw.v;
     colour = Mix(colour, rust, 0.6 * Step(0.6, 0.95, above));
     // Pale cheeks, throat and muzzle; a dark line from the eye; a blaze down the snout.
@@ -108,11 +108,11 @@ V3 LegColour(const Spot& spot, V3 colour, double top)
 {
     const double outside = 1 - spot.raw.v;
     const V3 ground = TrunkGround(spot, colour);
-    colour = Mix(colour, cream, 0.8 * Step(0.42, 0.2, outside) * Step(-0.34, -0.2, spot.at.y));
+    colour = Mix(colour, cream, 0.8 * Step(0.42, 0.2, outside) * Step(-0.23, -0.13, spot.at.y));
     colour = Mix(colour, ground, Step(top - 0.12, top, spot.at.y));
     const double bands = Bands(spot.raw.u, 14, 0.36, spot.at) * Step(0.3, 0.6, outside);
     colour = Mix(colour, umber, 0.9 * bands * Step(top, top - 0.07, spot.at.y));
-    return Mix(colour, umber, Step(-0.3, -0.39, spot.at.y + 0.06 * (Layers(spot.at * 30) - 0.5)));
+    return Mix(colour, umber, Step(-0.17, -0.25, spot.at.y + 0.06 * (Layers(spot.at * 30) - 0.5)));
 }
 
 V3 EarColour(const Spot& spot, V3 colour)
@@ -132,7 +132,7 @@ V3 HideColour(const Spot& spot, const Skeleton& skeleton)
         break;
     case headChart:
         colour = Mix(HeadColour(spot, colour, skeleton), TrunkColour(spot, colour),
-                     Step(-0.45, -0.385, spot.at.z + 0.3 * (spot.at.y - 0.39)));
+                     Step(-0.02, 0.045, spot.head.z + 0.3 * spot.head.y));
         break;
     case earChart:
         colour = EarColour(spot, colour);
@@ -182,6 +182,7 @@ Picture PaintHide(const Mesh& half, const Unwrapping& unwrapping, const Skeleton
     Picture picture(hideWidth, hideHeight);
     std::fill(picture.pixels.begin(), picture.pixels.end(), tawny);
     std::vector<char> painted(picture.pixels.size());
+    const V3 head = skeleton[static_cast<size_t>(FindBone(skeleton, "Head"))].at;
     const std::vector<V2> trunk = TrunkPlaces(skeleton, half.v);
     for (size_t f = 0; f < unwrapping.chart.size(); ++f) {
         const Face& face = half.f[f];
@@ -219,6 +220,7 @@ Picture PaintHide(const Mesh& half, const Unwrapping& unwrapping, const Skeleton
                     const V2 along = trunk[static_cast<size_t>(face.v[k])];
                     spot.trunk = {spot.trunk.u + along.u * w[k], spot.trunk.v + along.v * w[k]};
                 }
+                spot.head = spot.at - head;
                 picture.At(x, y) = HideColour(spot, skeleton);
                 painted[static_cast<size_t>(y * hideWidth + x)] = 1;
             }

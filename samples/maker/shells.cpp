@@ -191,8 +191,8 @@ Mesh Eye(V3 at, V3 look, double radius, int bone)
 Mesh Horn(const Skeleton& skeleton)
 {
     const V3 root = At(skeleton, "HornR");
-    const std::array<V3, 4> curve{root + V3{-0.003, -0.03, 0.015}, root + V3{0.012, 0.07, -0.03},
-                                  root + V3{0.055, 0.13, 0.05}, root + V3{0.062, 0.155, 0.15}};
+    const std::array<V3, 4> curve{root + V3{-0.003, -0.03, 0.015}, root + V3{0.012, 0.065, -0.02},
+                                  root + V3{0.055, 0.095, 0.06}, root + V3{0.062, 0.105, 0.165}};
     return Tusk(curve, 18, 10, FindBone(skeleton, "HornR"), hornMaterial,
                 [](double t) { return 0.021 * (1 - t) * (1 + 0.09 * std::cos(t * 2 * pi * 9) * (1 - t)) + 0.003; });
 }
@@ -200,7 +200,7 @@ Mesh Horn(const Skeleton& skeleton)
 Mesh Ear(const Skeleton& skeleton)
 {
     const V3 root = At(skeleton, "EarR") + V3{-0.005, -0.02, 0};
-    const V3 along = Unit({0.6, 0.78, 0.16});
+    const V3 along = Unit({0.7, 0.66, 0.24});
     const V3 front = Unit(Cross(Cross(along, V3{0.35, 0.1, -0.93}), along));
     const V3 side = Cross(along, front);
     std::vector<Ring> rings;
@@ -236,7 +236,9 @@ Mesh Mane(const Body& body, const Skeleton& skeleton)
 {
     Mesh mane;
     // From the brow over the neck to the back, along a line above the body.
-    const std::array<V3, 4> above{V3{0, 0.56, -0.5}, {0, 0.62, -0.3}, {0, 0.42, -0.22}, {0, 0.4, 0.06}};
+    const V3 head = At(skeleton, "Head");
+    const std::array<V3, 4> above{
+        head + V3{0, 0.17, -0.07}, head + V3{0, 0.22, 0.12}, {0, 0.42, -0.22}, {0, 0.4, 0.06}};
     constexpr int stations = 15;
     for (int sheet = 0; sheet < 4; ++sheet) {
         std::vector<Lock> locks;

@@ -34,8 +34,8 @@ Grid Sample(const Body& body, const GridSteps& steps)
     for (int i = 0; i * steps.x < 0.5; ++i) {
         grid.xs.push_back((i - 0.5) * steps.x);
     }
-    grid.ys = Planes(-0.71, 0.75, steps.y, -0.44, 0.3, steps.fineY);
-    grid.zs = Planes(-0.95, 1.05, steps.z, -0.42, 0.46, steps.fineZ);
+    grid.ys = Planes(-0.6, 0.6, steps.y, -0.28, 0.2, steps.fineY);
+    grid.zs = Planes(-0.95, 1.05, steps.z, -0.46, 0.46, steps.fineZ);
     grid.field.resize(grid.xs.size() * grid.ys.size() * grid.zs.size());
     grid.vertex.assign(grid.field.size(), -1);
     for (size_t i = 0; i < grid.xs.size(); ++i) {
