@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr double size = 0.86;            // what the starting camera shows whole
+constexpr double size = 0.86;              // what the starting camera shows whole
 constexpr double closeTogether = 0.009995; // the tolerance that mirroring starts with, for rounded places
 constexpr int noMaterial = -1;
 

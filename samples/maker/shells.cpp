@@ -206,10 +206,11 @@ Mesh Ear(const Skeleton& skeleton)
     std::vector<Ring> rings;
     constexpr int rows = 12;
     for (int i = 0; i < rows; ++i) {
-        const double t = static_cast<double>(i) / (rows - 0.4);
-        const double wide = 0.054 * std::pow(1 - t, 0.7) * (0.55 + 1.6 * t) * (t < 0.02 ? 0.9 : 1);
+        // The rings lie denser towards the tip, where the outline bends most.
+        const double t = 1 - std::pow(1 - static_cast<double>(i) / rows, 1.45);
+        const double wide = 0.052 * std::pow(1 - t, 0.95) * (0.6 + 2.2 * t);
         rings.push_back({root + along * (0.185 * t) - front * (0.05 * t * t), side, front, wide,
-                         0.013 * (1 - t) + 0.0035, 0.55 * wide});
+                         0.014 * (1 - t) + 0.002, 0.55 * wide});
     }
     const V3 tip = root + along * 0.19 - front * 0.052;
     return Sweep(rings, root - along * 0.01, tip, 16, FindBone(skeleton, "EarR"), hideMaterial);
