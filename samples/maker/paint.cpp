@@ -9,6 +9,7 @@
 namespace {
 
 constexpr double pi = std::numbers::pi;
+constexpr int maneSize = 128;
 
 double Hash(int x, int y, int z)
 {
@@ -284,14 +285,14 @@ Picture PaintHorn()
 
 Picture PaintMane()
 {
-    Picture picture(64, 64);
-    for (int y = 0; y < 64; ++y) {
-        for (int x = 0; x < 64; ++x) {
-            const double t = y / 63.0;
-            const double strand = Noise({x * 0.7, y * 0.05, 2});
-            V3 colour = Mix(V3{44, 26, 26}, V3{150, 44, 26}, Step(0.2, 0.75, t));
-            colour = Mix(colour, V3{236, 138, 48}, 0.8 * Step(0.7, 1, t));
-            picture.At(x, y) = colour * (0.7 + 0.5 * strand);
+    Picture picture(maneSize, maneSize);
+    for (int y = 0; y < maneSize; ++y) {
+        for (int x = 0; x < maneSize; ++x) {
+            const double t = static_cast<double>(y) / (maneSize - 1);
+            const double strand = 0.6 * Noise({x * 0.5, y * 0.025, 2}) + 0.4 * Noise({x * 1.3, y * 0.05, 4});
+            V3 colour = Mix(V3{52, 28, 26}, V3{150, 50, 28}, Step(0.1, 0.7, t + 0.2 * (strand - 0.5)));
+            colour = Mix(colour, V3{228, 134, 56}, 0.75 * Step(0.68, 1, t + 0.2 * (strand - 0.5)));
+            picture.At(x, y) = colour * (0.68 + 0.5 * strand);
         }
     }
     return picture;
@@ -299,19 +300,20 @@ Picture PaintMane()
 
 Picture PaintStrands()
 {
-    Picture picture(64, 64);
-    for (int lock = 0; lock < 16; ++lock) {
+    Picture picture(maneSize, maneSize);
+    constexpr int locks = 30;
+    for (int lock = 0; lock < locks; ++lock) {
         // Each lock is a blade that tapers to its own length and bends a little.
-        const double root = 4.0 * lock + 2;
-        const double reach = 63 * (0.68 + 0.32 * Hash(lock, 5, 1));
-        const double bend = 9 * (Hash(lock, 9, 2) - 0.5);
-        for (int y = 0; y < 64 && y < reach; ++y) {
+        const double root = (lock + 0.5) * maneSize / locks;
+        const double reach = (maneSize - 1) * (0.74 + 0.26 * Hash(lock, 5, 1));
+        const double bend = 10 + 12 * (Hash(lock, 9, 2) - 0.5);
+        for (int y = 0; y < maneSize && y < reach; ++y) {
             const double t = y / reach;
-            const double half = 3.6 * std::pow(1 - t, 0.55) + 0.3;
+            const double half = 4.6 * std::pow(1 - t, 0.6) + 0.3;
             const double centre = root + bend * t * t;
             for (int x = static_cast<int>(centre - half) - 1; x <= static_cast<int>(centre + half) + 1; ++x) {
                 const double solid = std::clamp(half + 0.5 - std::fabs(x - centre), 0.0, 1.0) * 255;
-                V3& pixel = picture.At((x + 64) % 64, y);
+                V3& pixel = picture.At((x + maneSize) % maneSize, y);
                 pixel = solid > pixel.x ? V3{solid, solid, solid} : pixel;
             }
         }
