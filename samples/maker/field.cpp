@@ -68,7 +68,10 @@ Body MakeBody(const Skeleton& skeleton)
     // Trunk and neck.
     addSpine(0, spine(0) + V3{0, 0, 0.02}, spine(1), 0.118, 0.108, 0.95);
     addSpine(1, spine(1), spine(2), 0.108, 0.125, 0.95);
-    addSpine(2, spine(2) + V3{0, -0.015, 0}, spine(3), 0.13, 0.148, 0.93);
+    // The ribs belong to the chest, else it would show behind the elbow as a mere streak.
+    const V3 ribs = Mix(spine(2), spine(3), 0.45) + V3{0, -0.01, 0};
+    addSpine(2, spine(2) + V3{0, -0.015, 0}, ribs, 0.13, 0.138, 0.93);
+    addSpine(3, ribs, spine(3), 0.138, 0.148, 0.93);
     addSpine(3, spine(3) + V3{0, -0.02, 0}, {0, 0.09, -0.215}, 0.155, 0.135, 0.9);
     addSpine(3, spine(3), spine(4), 0.14, 0.115, 0.9);
     addSpine(4, spine(4), spine(5), 0.115, 0.092, 0.88);
