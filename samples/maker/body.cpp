@@ -1,7 +1,5 @@
 #include "body.h"
 
-#include <array>
-
 #include "mesh.h"
 
 namespace {
@@ -61,79 +59,52 @@ void AddLimb(Builder* builder, const std::vector<Link>& links, int root)
 
 } // namespace
 
-Skeleton MakeSkeleton(const BodyPlan& plan)
+Skeleton MakeSkeleton()
 {
-    const auto down = [&](double y) { return y < 0 ? y * plan.legs : y; };
-    const auto along = [&](double z) { return z * plan.trunk; };
-    // Everything before the withers moves with the length of the neck.
-    const V3 withers{0, 0.15, -0.2};
-    const auto neck = [&](V3 at) {
-        V3 from = at - withers;
-        return V3{at.x, withers.y + from.y * (0.6 + 0.4 * plan.neck) * plan.neck, along(withers.z) + from.z};
-    };
-    const V3 tailRoot{0, 0.155, 0.4};
-    const auto tail = [&](V3 at) {
-        return V3{at.x, tailRoot.y + (at.y - tailRoot.y) * plan.tail,
-                  along(tailRoot.z) + (at.z - tailRoot.z) * plan.tail};
-    };
-
     Skeleton skeleton;
     Builder own{&skeleton, false};
-    const int pelvis = own.Add("Pelvis", "Pelvis", {0, 0.12, along(0.33)}, -1);
-    const int loin = own.Add("Spine", "Loin", {0, 0.14, along(0.19)}, pelvis);
-    const int back = own.Add("Spine", "Back", {0, 0.13, along(0.03)}, loin);
-    const int chest = own.Add("Chest", "Chest", {0, 0.12, along(-0.14)}, back);
-    const int lowNeck = own.Add("Neck", "Lower Neck", neck({0, 0.21, -0.27}), chest);
-    const int highNeck = own.Add("Neck", "Upper Neck", neck({0, 0.31, -0.35}), lowNeck);
-    const int head = own.Add("Head", "Head", neck({0, 0.39, -0.43}), highNeck);
-    own.Add("Jaw", "Jaw", neck({0, 0.335, -0.46}), head);
-    const std::array<V3, 5> tailAt{
-        V3{0, 0.155, 0.42}, {0, 0.12, 0.5}, {0, 0.07, 0.575}, {0, 0.055, 0.655}, {0, 0.1, 0.725}};
+    const int pelvis = own.Add("Pelvis", "Pelvis", {0, 0.12, 0.33}, -1);
+    const int loin = own.Add("Spine", "Loin", {0, 0.14, 0.19}, pelvis);
+    const int back = own.Add("Spine", "Back", {0, 0.13, 0.03}, loin);
+    const int chest = own.Add("Chest", "Chest", {0, 0.12, -0.14}, back);
+    const int lowNeck = own.Add("Neck", "Lower Neck", {0, 0.175, -0.285}, chest);
+    const int highNeck = own.Add("Neck", "Upper Neck", {0, 0.215, -0.39}, lowNeck);
+    const V3 skull{0, 0.25, -0.49};
+    const int head = own.Add("Head", "Head", skull, highNeck);
+    own.Add("Jaw", "Jaw", skull + V3{0, -0.055, -0.03}, head);
     int last = pelvis;
-    for (int i = 0; i < plan.tailBones; ++i) {
-        const double place = static_cast<double>(i) * 4 / (plan.tailBones - 1);
-        const auto at = static_cast<size_t>(place);
-        const V3 between = Mix(tailAt[at], tailAt[at + 1 < 5 ? at + 1 : 4], place - static_cast<double>(at));
-        last = own.Add("Tail", "Tail " + std::to_string(i + 1), tail(between), last);
+    for (const V3& at : {V3{0, 0.155, 0.42}, {0, 0.12, 0.5}, {0, 0.07, 0.575}, {0, 0.055, 0.655}, {0, 0.1, 0.725}}) {
+        last = own.Add("Tail", "Tail " + std::to_string(last == pelvis ? 1 : last - head), at, last);
     }
-    AddLimb(&own, {{"Ear", "Ear", neck({0.075, 0.455, -0.425})}}, head);
-    AddLimb(&own, {{"Eye", "Eye", neck({0.058, 0.408, -0.525})}}, head);
-    AddLimb(&own, {{"Horn", "Horn", neck({0.04, 0.475, -0.47})}}, head);
+    AddLimb(&own, {{"Ear", "Ear", skull + V3{0.075, 0.065, 0.005}}}, head);
+    AddLimb(&own, {{"Eye", "Eye", skull + V3{0.058, 0.018, -0.095}}}, head);
+    AddLimb(&own, {{"Horn", "Horn", skull + V3{0.04, 0.085, -0.04}}}, head);
     AddLimb(&own,
-            {{"Scapula", "Shoulder Blade", {0.085, 0.17, along(-0.17)}},
-             {"UpperArm", "Upper Arm", {0.115, 0.05, along(-0.225)}},
-             {"Forearm", "Forearm", {0.125, down(-0.085), along(-0.14)}},
-             {"Wrist", "Wrist", {0.122, down(-0.3), along(-0.175)}},
-             {"PawF", "Front Paw", {0.122, down(-0.445), along(-0.19)}}},
+            {{"Scapula", "Shoulder Blade", {0.085, 0.17, -0.17}},
+             {"UpperArm", "Upper Arm", {0.115, 0.05, -0.225}},
+             {"Forearm", "Forearm", {0.125, -0.055, -0.14}},
+             {"Wrist", "Wrist", {0.122, -0.19, -0.175}},
+             {"PawF", "Front Paw", {0.122, -0.295, -0.19}}},
             chest);
     AddLimb(&own,
-            {{"Thigh", "Thigh", {0.095, 0.09, along(0.33)}},
-             {"Shin", "Shin", {0.13, down(-0.08), along(0.25)}},
-             {"Hock", "Hock", {0.125, down(-0.27), along(0.395)}},
-             {"PawH", "Hind Paw", {0.125, down(-0.445), along(0.35)}}},
+            {{"Thigh", "Thigh", {0.095, 0.09, 0.33}},
+             {"Shin", "Shin", {0.13, -0.05, 0.25}},
+             {"Hock", "Hock", {0.125, -0.17, 0.395}},
+             {"PawH", "Hind Paw", {0.125, -0.295, 0.35}}},
             pelvis);
-    for (Joint& joint : skeleton) {
-        joint.firm = joint.name.rfind("Eye", 0) == 0;
-    }
     skeleton[static_cast<size_t>(head)].extra = " limits = (-35,40,60)\r\n look = \"eyes\"\r\n";
     skeleton[static_cast<size_t>(head) + 1].extra = " limits = (0,28,0)\r\n";
     skeleton[static_cast<size_t>(last)].extra = " swing = 0.75\r\n";
 
     Builder dark{&skeleton, true};
-    const int rump = dark.Add("Pelvis", "Shadow Pelvis", {0, 0.11, along(0.33)}, -1);
-    const int ribs = dark.Add("Chest", "Shadow Chest", {0, 0.12, along(-0.1)}, rump);
-    const int throat = dark.Add("Neck", "Shadow Neck", neck({0, 0.24, -0.28}), ribs);
-    dark.Add("Head", "Shadow Head", neck({0, 0.38, -0.45}), throat);
-    const int tailOne = dark.Add("Tail", "Shadow Tail 1", tail({0, 0.12, 0.46}), rump);
-    dark.Add("Tail", "Shadow Tail 2", tail({0, 0.06, 0.63}), tailOne);
-    AddLimb(&dark,
-            {{"Arm", "Shadow Arm", {0.115, 0.04, along(-0.19)}},
-             {"Fore", "Shadow Fore", {0.122, down(-0.25), along(-0.17)}}},
-            ribs);
-    AddLimb(
-        &dark,
-        {{"Leg", "Shadow Leg", {0.11, 0.06, along(0.32)}}, {"Foot", "Shadow Foot", {0.125, down(-0.25), along(0.37)}}},
-        rump);
+    const int rump = dark.Add("Pelvis", "Shadow Pelvis", {0, 0.11, 0.33}, -1);
+    const int ribs = dark.Add("Chest", "Shadow Chest", {0, 0.12, -0.1}, rump);
+    const int throat = dark.Add("Neck", "Shadow Neck", {0, 0.19, -0.29}, ribs);
+    dark.Add("Head", "Shadow Head", skull + V3{0, -0.01, -0.02}, throat);
+    const int tailOne = dark.Add("Tail", "Shadow Tail 1", {0, 0.12, 0.46}, rump);
+    dark.Add("Tail", "Shadow Tail 2", {0, 0.06, 0.63}, tailOne);
+    AddLimb(&dark, {{"Arm", "Shadow Arm", {0.115, 0.04, -0.19}}, {"Fore", "Shadow Fore", {0.122, -0.16, -0.17}}}, ribs);
+    AddLimb(&dark, {{"Leg", "Shadow Leg", {0.11, 0.06, 0.32}}, {"Foot", "Shadow Foot", {0.125, -0.16, 0.37}}}, rump);
     return skeleton;
 }
 

@@ -55,7 +55,6 @@ double Blend(double a, double b, double k)
 Body MakeBody(const Skeleton& skeleton)
 {
     Body body;
-    body.sole = -0.5;
     const auto bone = [&](const char* stem) { return FindBone(skeleton, stem); };
     const auto at = [&](const char* stem) { return skeleton[static_cast<size_t>(bone(stem))].at; };
     const auto add = [&](const char* stem, Group group, V3 a, V3 b, double ra, double rb, double wide = 1) {
@@ -69,7 +68,10 @@ Body MakeBody(const Skeleton& skeleton)
     // Trunk and neck.
     addSpine(0, spine(0) + V3{0, 0, 0.02}, spine(1), 0.118, 0.108, 0.95);
     addSpine(1, spine(1), spine(2), 0.108, 0.125, 0.95);
-    addSpine(2, spine(2) + V3{0, -0.015, 0}, spine(3), 0.13, 0.148, 0.93);
+    // The ribs belong to the chest, else it would show behind the elbow as a mere streak.
+    const V3 ribs = Mix(spine(2), spine(3), 0.45) + V3{0, -0.01, 0};
+    addSpine(2, spine(2) + V3{0, -0.015, 0}, ribs, 0.13, 0.138, 0.93);
+    addSpine(3, ribs, spine(3), 0.138, 0.148, 0.93);
     addSpine(3, spine(3) + V3{0, -0.02, 0}, {0, 0.09, -0.215}, 0.155, 0.135, 0.9);
     addSpine(3, spine(3), spine(4), 0.14, 0.115, 0.9);
     addSpine(4, spine(4), spine(5), 0.115, 0.092, 0.88);
@@ -117,7 +119,6 @@ Body MakeShadowBody(const Skeleton& skeleton)
 {
     Body body;
     body.tight = 0.05;
-    body.sole = -0.5;
     const auto bone = [&](const char* stem) { return FindBone(skeleton, stem); };
     const auto at = [&](const char* stem) { return skeleton[static_cast<size_t>(bone(stem))].at; };
     const auto add = [&](const char* stem, Group group, V3 a, V3 b, double ra, double rb, double wide = 1) {
@@ -132,9 +133,9 @@ Body MakeShadowBody(const Skeleton& skeleton)
     const int lastTail = FindBone(skeleton, "$j$Tail") + 1;
     body.limbs.push_back({{0, 0.06, 0.58}, {0, 0.12, 0.74}, 0.058, 0.052, lastTail, tail});
     add("$j$ArmR", arm, at("$j$ArmR"), at("$j$ForeR"), 0.08, 0.06);
-    add("$j$ForeR", arm, at("$j$ForeR"), V3{0.122, -0.45, -0.23}, 0.06, 0.062);
+    add("$j$ForeR", arm, at("$j$ForeR"), V3{0.122, -0.3, -0.23}, 0.06, 0.062);
     add("$j$LegR", leg, at("$j$LegR"), at("$j$FootR"), 0.1, 0.06);
-    add("$j$FootR", leg, at("$j$FootR"), V3{0.125, -0.45, 0.32}, 0.06, 0.062);
+    add("$j$FootR", leg, at("$j$FootR"), V3{0.125, -0.3, 0.32}, 0.06, 0.062);
     return body;
 }
 
@@ -153,7 +154,7 @@ double Distance(const Body& body, V3 at)
         all = all > 9 ? group : Blend(all, group, body.loose);
     }
     const double k = 0.02;
-    const double ground = body.sole - p.y;
+    const double ground = sole - p.y;
     const double h = std::max(k - std::fabs(all - ground), 0.0) / k;
     return std::max(all, ground) + h * h * h * k / 6;
 }

@@ -17,7 +17,6 @@ struct Limb {
 struct Body {
     std::vector<Limb> limbs;
     double tight = 0.03, loose = 0.05;
-    double sole = -1; ///< height of the ground that the paws are flattened on
 };
 
 /// The Vorrel's body on its own skeleton, and the same in a few thick limbs on the shadow bones.

@@ -14,7 +14,8 @@
 
 namespace {
 
-constexpr double closeTogether = 0.0101; // a little more than the tolerance that mirroring starts with
+constexpr double size = 0.86;              // what the starting camera shows whole
+constexpr double closeTogether = 0.009995; // the tolerance that mirroring starts with, for rounded places
 constexpr int noMaterial = -1;
 
 const std::vector<Material> materials{{"Hide", "Hide.bmp", ""},
@@ -30,11 +31,20 @@ struct Creature {
     Picture hide{hideWidth, hideHeight};
 };
 
-// Completes a half, rounds it, and makes sure that it is sound.
+// From the space that the creature is made in to that of its skin, where it stands on the floor.
+V3 Standing(V3 at)
+{
+    return {at.x * size, (at.y - sole) * size, at.z * size + 0.04};
+}
+
+// Stands a half up, completes it, rounds it, and makes sure that it is sound.
 void Finish(const Skeleton& skeleton, int open, Mesh* mesh)
 {
+    for (V3& at : mesh->v) {
+        at = Standing(at);
+    }
     RoundMesh(mesh);
-    SettleClose(skeleton, closeTogether, mesh);
+    SettleClose(closeTogether, mesh);
     MirrorHalf(skeleton, mesh);
     CheckMesh(*mesh, open);
 }
@@ -42,7 +52,7 @@ void Finish(const Skeleton& skeleton, int open, Mesh* mesh)
 Mesh MakeSkin(const Skeleton& skeleton, Picture* hide)
 {
     const Body body = MakeBody(skeleton);
-    Mesh skin = HalfSurface(body, skeleton, {0.0185, 0.0225, 0.027, 0.0175, 0.0178});
+    Mesh skin = HalfSurface(body, skeleton, {0.0205, 0.0235, 0.027, 0.0205, 0.0205});
     Unwrapping unwrapping = UnwrapBody(skeleton, &skin);
     Mesh ear = Ear(skeleton);
     UnwrapEar(&ear, &unwrapping);
@@ -83,7 +93,7 @@ Mesh MakePlain(const Body& body, const Skeleton& skeleton, const std::string& na
 Creature MakeCreature()
 {
     Creature creature;
-    creature.skeleton = MakeSkeleton({});
+    creature.skeleton = MakeSkeleton();
     const Skeleton& skeleton = creature.skeleton;
     creature.meshes.push_back(MakeSkin(skeleton, &creature.hide));
     creature.meshes.push_back(MakePlain(MakeShadowBody(skeleton), skeleton, "$shadowVorrel", 0.09));
@@ -98,8 +108,12 @@ Creature MakeCreature()
     creature.meshes.push_back(MakePlain(PartOf(body, [&](int bone) { return !isHead(bone) && !isTail(bone); }),
                                         skeleton, "$bodyVorrel", 0.035));
     creature.meshes.push_back(MakePlain(PartOf(body, isTail), skeleton, "$tailVorrel", 0.03));
-    creature.placements = {{"Vorrel", {0, 1, 0.25}, 2},
-                           {"$shadowVorrel", {0, 1, 0.25}, 2},
+    for (Joint& joint : creature.skeleton) {
+        joint.at = Standing(joint.at);
+        joint.at = {Rounded(joint.at.x), Rounded(joint.at.y), Rounded(joint.at.z)};
+    }
+    creature.placements = {{"Vorrel", {0, 0.25, 0.25}, 2},
+                           {"$shadowVorrel", {0, 0.25, 0.25}, 2},
                            {"$headVorrel", {0, 1.5, -2.5}, 1.5},
                            {"$bodyVorrel", {0, 1.25, 3.5}, 1.5},
                            {"$tailVorrel", {0, 0.75, 5.5}, 1.5}};

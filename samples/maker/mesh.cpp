@@ -152,25 +152,16 @@ void MirrorHalf(const Skeleton& skeleton, Mesh* mesh)
     }
 }
 
-void SettleClose(const Skeleton& skeleton, double tolerance, Mesh* mesh)
+void SettleClose(double tolerance, Mesh* mesh)
 {
-    // Middle bones come before those of a side, then the lower number wins, so that the walk comes to an end.
-    const auto rank = [&](int bone) {
-        const Joint& joint = skeleton[static_cast<size_t>(bone)];
-        return std::pair(joint.firm ? 0 : (joint.partner == bone ? 1 : 2), bone);
+    const auto isClose = [&](V3 a, V3 b) {
+        return std::max({std::fabs(a.x - b.x), std::fabs(a.y - b.y), std::fabs(a.z - b.z)}) < tolerance;
     };
-    const auto weaker = [&](int a, int b) { return rank(b) < rank(a); };
-    const size_t count = mesh->v.size();
-    for (bool changed = true; changed;) {
-        changed = false;
-        for (size_t i = 0; i < count; ++i) {
-            for (size_t j = 0; j < count; ++j) {
-                const V3 d = mesh->v[i] - mesh->v[j];
-                if (std::max({std::fabs(d.x), std::fabs(d.y), std::fabs(d.z)}) < tolerance &&
-                    mesh->bone[i] != mesh->bone[j] && weaker(mesh->bone[i], mesh->bone[j])) {
-                    mesh->bone[i] = mesh->bone[j];
-                    changed = true;
-                }
+    for (size_t i = mesh->v.size(); i-- > 0;) {
+        for (size_t last = mesh->v.size() - 1; last > i && mesh->v[i].x > 0; --last) {
+            if (mesh->v[last].x > 0 && isClose(mesh->v[i], mesh->v[last])) {
+                mesh->bone[i] = mesh->bone[last];
+                break;
             }
         }
     }

@@ -38,8 +38,9 @@ void SmoothNormals(Mesh* mesh);
 /// the partner bone of its original.
 void MirrorHalf(const Skeleton& skeleton, Mesh* mesh);
 
-/// Gives vertices that lie so close together that mirroring cannot tell them apart the same bone.
-void SettleClose(const Skeleton& skeleton, double tolerance, Mesh* mesh);
+/// Of the vertices of a half that lie so close together that mirroring cannot tell them apart, the last has its way: the
+/// others get its bone.
+void SettleClose(double tolerance, Mesh* mesh);
 
 /// Stops the program with a message unless the faces of all materials but `open` form closed, consistently wound
 /// shells, the mesh is exactly symmetric, and every array fits the format.

@@ -9,6 +9,7 @@
 namespace {
 
 constexpr double pi = std::numbers::pi;
+constexpr int maneSize = 128;
 
 double Hash(int x, int y, int z)
 {
@@ -50,8 +51,10 @@ constexpr V3 nose{34, 24, 26};
 // A place on the hide: where it is, which way it faces, and its place along and around its part.
 struct Spot {
     V3 at, normal;
-    V2 raw;
-    V2 trunk; // its place along and around the trunk, whatever part it belongs to
+    V3 head;                           // seen from the joint of the head
+    V2 raw;                            // its place within its part of the picture
+    std::array<V2, earChart> places{}; // along and around each part, whichever it belongs to
+    double arm = 0, leg = 0;           // how much of it belongs to the legs
     Chart chart;
 };
 
@@ -65,26 +68,26 @@ double Bands(double way, double count, double width, V3 at)
 // The ground colours of the trunk: dark above, pale below. Limbs begin with them.
 V3 TrunkGround(const Spot& spot, V3 colour)
 {
-    const double above = 1 - spot.trunk.v;
+    const double above = 1 - spot.places[trunkChart].v;
     colour = Mix(colour, rust, 0.75 * Step(0.5, 0.95, above));
     return Mix(colour, cream, spot.at.z > 0.45 ? 0 : Step(0.42, 0.18, above + 0.08 * (Layers(spot.at * 12) - 0.5)));
 }
 
 V3 TrunkColour(const Spot& spot, V3 colour)
 {
-    const double above = 1 - spot.trunk.v;
+    const double above = 1 - spot.places[trunkChart].v;
     const bool isTail = spot.at.z > 0.45;
     const double width = isTail ? 0.55 : 0.34 * Step(0.3, 0.75, above) + 0.06;
-    const double fade = isTail ? 1 : Step(0.36, 0.56, above) * Step(-0.47, -0.36, spot.at.z - 0.2 * spot.at.y);
-    return Mix(TrunkGround(spot, colour), umber, 0.92 * fade * Bands(spot.trunk.u, isTail ? 13 : 10.5, width, spot.at));
+    const double fade = isTail ? 1 : Step(0.36, 0.56, above) * Step(0.038, 0.148, spot.head.z - 0.2 * spot.head.y);
+    return Mix(TrunkGround(spot, colour), umber,
+               0.92 * fade * Bands(spot.places[trunkChart].u, isTail ? 13 : 10.5, width, spot.at));
 }
 
 V3 HeadColour(const Spot& spot, V3 colour, const Skeleton& skeleton)
 {
-    const V3 head = skeleton[static_cast<size_t>(FindBone(skeleton, "Head"))].at;
     const V3 eye = skeleton[static_cast<size_t>(FindBone(skeleton, "EyeR"))].at;
-    const V3 d = V3{spot.at.x, spot.at.y, spot.at.z} - head;
-    const double above = 1 - spot.raw.v;
+    const V3 d = spot.head;
+    const double above = 1 - spot.places[headChart].v;
     colour = Mix(colour, rust, 0.6 * Step(0.6, 0.95, above));
     // Pale cheeks, throat and muzzle; a dark line from the eye; a blaze down the snout.
     colour = Mix(colour, cream, Step(0.5, 0.36, above + 0.1 * (Layers(spot.at * 16) - 0.5)));
@@ -96,23 +99,29 @@ V3 HeadColour(const Spot& spot, V3 colour, const Skeleton& skeleton)
     const V3 tear{fromEye.x + 0.35 * fromEye.y, fromEye.y * 0.55, fromEye.z * 0.8};
     colour = Mix(colour, umber, 0.95 * Step(0.044, 0.03, Length(fromEye)));
     colour = Mix(colour, umber, 0.9 * (fromEye.y < 0 ? Step(0.026, 0.016, Length(tear)) : 0));
-    const double lips = -0.066 - 0.012 * Step(-0.1, -0.2, d.z);
-    colour = Mix(colour, nose, 0.9 * Step(0.007, 0.0035, std::fabs(d.y - lips)) * Step(-0.085, -0.1, d.z));
+    // The lips bend up at their corner; the line thins out there, and the lower lip lies in its shadow.
+    const double corner = Step(-0.13, -0.075, d.z);
+    const double lips = d.y + 0.066 + 0.012 * Step(-0.1, -0.2, d.z) - 0.02 * corner;
+    const double ends = Step(-0.07, -0.085, d.z);
+    colour = Mix(colour, umber, 0.55 * ends * Step(-0.026, -0.002, lips) * Step(0.004, -0.002, lips));
+    colour = Mix(colour, nose, 0.95 * ends * Step(0.006 - 0.003 * corner, 0.0025 - 0.0015 * corner, std::fabs(lips)));
+    const bool isLip = lips > 0 && d.y < -0.03 && d.z < -0.2;
+    colour = Mix(colour, nose, isLip ? Step(0.006, 0.003, d.x) : 0);
     const V3 tip = d - V3{0, -0.024, -0.24};
     colour = Mix(colour, nose, Step(0.033, 0.026, Length({tip.x * 0.8, tip.y, tip.z})));
     return colour;
 }
 
 // The banded part of a leg begins below `top`.
-V3 LegColour(const Spot& spot, V3 colour, double top)
+V3 LegColour(const Spot& spot, V2 place, V3 colour, double top)
 {
-    const double outside = 1 - spot.raw.v;
+    const double outside = 1 - place.v;
     const V3 ground = TrunkGround(spot, colour);
-    colour = Mix(colour, cream, 0.8 * Step(0.42, 0.2, outside) * Step(-0.34, -0.2, spot.at.y));
+    colour = Mix(colour, cream, 0.8 * Step(0.42, 0.2, outside) * Step(-0.23, -0.13, spot.at.y));
     colour = Mix(colour, ground, Step(top - 0.12, top, spot.at.y));
-    const double bands = Bands(spot.raw.u, 14, 0.36, spot.at) * Step(0.3, 0.6, outside);
+    const double bands = Bands(place.u, 14, 0.36, spot.at) * Step(0.3, 0.6, outside);
     colour = Mix(colour, umber, 0.9 * bands * Step(top, top - 0.07, spot.at.y));
-    return Mix(colour, umber, Step(-0.3, -0.39, spot.at.y + 0.06 * (Layers(spot.at * 30) - 0.5)));
+    return Mix(colour, umber, Step(-0.17, -0.25, spot.at.y + 0.06 * (Layers(spot.at * 30) - 0.5)));
 }
 
 V3 EarColour(const Spot& spot, V3 colour)
@@ -125,29 +134,19 @@ V3 EarColour(const Spot& spot, V3 colour)
 
 V3 HideColour(const Spot& spot, const Skeleton& skeleton)
 {
-    V3 colour = Mix(tawny, rust, 0.35 * Layers(spot.at * 6));
-    switch (spot.chart) {
-    case trunkChart:
-        colour = TrunkColour(spot, colour);
-        break;
-    case headChart:
-        colour = Mix(HeadColour(spot, colour, skeleton), TrunkColour(spot, colour),
-                     Step(-0.45, -0.385, spot.at.z + 0.3 * (spot.at.y - 0.39)));
-        break;
-    case earChart:
-        colour = EarColour(spot, colour);
-        break;
-    case armChart:
-        colour = LegColour(spot, colour, 0.0);
-        break;
-    default:
-        colour = LegColour(spot, colour, 0.13);
-        break;
+    const V3 ground = Mix(tawny, rust, 0.35 * Layers(spot.at * 6));
+    V3 colour;
+    if (spot.chart == earChart) {
+        colour = EarColour(spot, ground);
+    } else {
+        colour = Mix(HeadColour(spot, ground, skeleton), TrunkColour(spot, ground),
+                     Step(-0.02, 0.045, spot.head.z + 0.3 * spot.head.y));
+        colour = Mix(colour, LegColour(spot, spot.places[armChart], ground, 0.0), spot.arm);
+        colour = Mix(colour, LegColour(spot, spot.places[legChart], ground, 0.13), spot.leg);
     }
-    // Short hair: fine strokes along the part.
-    const double strokes =
-        Noise({spot.raw.u * 60, spot.raw.v * 90, 3}) + Noise({spot.raw.u * 140, spot.raw.v * 200, 7});
-    return colour * (0.9 + 0.1 * strokes);
+    // Short hair: fine strokes along the body.
+    const V3 hair{spot.at.x * 130, spot.at.y * 130, spot.at.z * 50};
+    return colour * (0.9 + 0.1 * (Noise(hair) + Noise(hair * 2.3)));
 }
 
 // Fills pixels next to painted ones, so that filters find no bare ground beside a part.
@@ -182,7 +181,23 @@ Picture PaintHide(const Mesh& half, const Unwrapping& unwrapping, const Skeleton
     Picture picture(hideWidth, hideHeight);
     std::fill(picture.pixels.begin(), picture.pixels.end(), tawny);
     std::vector<char> painted(picture.pixels.size());
-    const std::vector<V2> trunk = TrunkPlaces(skeleton, half.v);
+    const V3 head = skeleton[static_cast<size_t>(FindBone(skeleton, "Head"))].at;
+    const std::vector<std::array<V2, earChart>> places = PlacesAround(skeleton, half.v);
+    const Body body = MakeBody(skeleton);
+    std::array<Body, earChart> parts;
+    for (size_t chart = 0; chart < parts.size(); ++chart) {
+        parts[chart] = PartOf(body, [&](int bone) { return static_cast<size_t>(ChartOf(skeleton, bone)) == chart; });
+    }
+    // How much of each vertex belongs to a part, going by its distances to the part and to the trunk.
+    const auto shares = [&](Chart chart) {
+        std::vector<double> share;
+        for (const V3& at : half.v) {
+            share.push_back(Step(0.03, -0.03, Distance(parts[chart], at) - Distance(parts[trunkChart], at)));
+        }
+        return share;
+    };
+    const std::vector<double> arm = shares(armChart);
+    const std::vector<double> leg = shares(legChart);
     for (size_t f = 0; f < unwrapping.chart.size(); ++f) {
         const Face& face = half.f[f];
         std::array<V2, 3> c;
@@ -216,9 +231,15 @@ Picture PaintHide(const Mesh& half, const Unwrapping& unwrapping, const Skeleton
                     spot.at = spot.at + half.v[static_cast<size_t>(face.v[k])] * w[k];
                     spot.normal = spot.normal + half.n[static_cast<size_t>(face.n[k])] * w[k];
                     spot.raw = {spot.raw.u + raw.u * w[k], spot.raw.v + raw.v * w[k]};
-                    const V2 along = trunk[static_cast<size_t>(face.v[k])];
-                    spot.trunk = {spot.trunk.u + along.u * w[k], spot.trunk.v + along.v * w[k]};
+                    const auto v = static_cast<size_t>(face.v[k]);
+                    spot.arm += arm[v] * w[k];
+                    spot.leg += leg[v] * w[k];
+                    for (size_t i = 0; i < spot.places.size(); ++i) {
+                        spot.places[i].u += places[v][i].u * w[k];
+                        spot.places[i].v += places[v][i].v * w[k];
+                    }
                 }
+                spot.head = spot.at - head;
                 picture.At(x, y) = HideColour(spot, skeleton);
                 painted[static_cast<size_t>(y * hideWidth + x)] = 1;
             }
@@ -264,14 +285,14 @@ Picture PaintHorn()
 
 Picture PaintMane()
 {
-    Picture picture(64, 64);
-    for (int y = 0; y < 64; ++y) {
-        for (int x = 0; x < 64; ++x) {
-            const double t = y / 63.0;
-            const double strand = Noise({x * 0.7, y * 0.05, 2});
-            V3 colour = Mix(V3{44, 26, 26}, V3{150, 44, 26}, Step(0.2, 0.75, t));
-            colour = Mix(colour, V3{236, 138, 48}, 0.8 * Step(0.7, 1, t));
-            picture.At(x, y) = colour * (0.7 + 0.5 * strand);
+    Picture picture(maneSize, maneSize);
+    for (int y = 0; y < maneSize; ++y) {
+        for (int x = 0; x < maneSize; ++x) {
+            const double t = static_cast<double>(y) / (maneSize - 1);
+            const double strand = 0.6 * Noise({x * 0.5, y * 0.025, 2}) + 0.4 * Noise({x * 1.3, y * 0.05, 4});
+            V3 colour = Mix(V3{52, 28, 26}, V3{150, 50, 28}, Step(0.1, 0.7, t + 0.2 * (strand - 0.5)));
+            colour = Mix(colour, V3{228, 134, 56}, 0.75 * Step(0.68, 1, t + 0.2 * (strand - 0.5)));
+            picture.At(x, y) = colour * (0.68 + 0.5 * strand);
         }
     }
     return picture;
@@ -279,19 +300,20 @@ Picture PaintMane()
 
 Picture PaintStrands()
 {
-    Picture picture(64, 64);
-    for (int lock = 0; lock < 16; ++lock) {
+    Picture picture(maneSize, maneSize);
+    constexpr int locks = 30;
+    for (int lock = 0; lock < locks; ++lock) {
         // Each lock is a blade that tapers to its own length and bends a little.
-        const double root = 4.0 * lock + 2;
-        const double reach = 63 * (0.68 + 0.32 * Hash(lock, 5, 1));
-        const double bend = 9 * (Hash(lock, 9, 2) - 0.5);
-        for (int y = 0; y < 64 && y < reach; ++y) {
+        const double root = (lock + 0.5) * maneSize / locks;
+        const double reach = (maneSize - 1) * (0.74 + 0.26 * Hash(lock, 5, 1));
+        const double bend = 10 + 12 * (Hash(lock, 9, 2) - 0.5);
+        for (int y = 0; y < maneSize && y < reach; ++y) {
             const double t = y / reach;
-            const double half = 3.6 * std::pow(1 - t, 0.55) + 0.3;
+            const double half = 4.6 * std::pow(1 - t, 0.6) + 0.3;
             const double centre = root + bend * t * t;
             for (int x = static_cast<int>(centre - half) - 1; x <= static_cast<int>(centre + half) + 1; ++x) {
                 const double solid = std::clamp(half + 0.5 - std::fabs(x - centre), 0.0, 1.0) * 255;
-                V3& pixel = picture.At((x + 64) % 64, y);
+                V3& pixel = picture.At((x + maneSize) % maneSize, y);
                 pixel = solid > pixel.x ? V3{solid, solid, solid} : pixel;
             }
         }

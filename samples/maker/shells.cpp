@@ -54,7 +54,7 @@ struct Lock {
 void AddStrip(const std::vector<Lock>& locks, V3 droop, int (*boneOf)(const Skeleton&, V3), const Skeleton& skeleton,
               Mesh* mane)
 {
-    constexpr int rows = 4;
+    constexpr int rows = 5;
     Mesh strip;
     for (const Lock& lock : locks) {
         for (int row = 0; row < rows; ++row) {
@@ -191,8 +191,8 @@ Mesh Eye(V3 at, V3 look, double radius, int bone)
 Mesh Horn(const Skeleton& skeleton)
 {
     const V3 root = At(skeleton, "HornR");
-    const std::array<V3, 4> curve{root + V3{-0.003, -0.03, 0.015}, root + V3{0.012, 0.07, -0.03},
-                                  root + V3{0.055, 0.13, 0.05}, root + V3{0.062, 0.155, 0.15}};
+    const std::array<V3, 4> curve{root + V3{-0.003, -0.03, 0.015}, root + V3{0.012, 0.065, -0.02},
+                                  root + V3{0.055, 0.095, 0.06}, root + V3{0.062, 0.105, 0.165}};
     return Tusk(curve, 18, 10, FindBone(skeleton, "HornR"), hornMaterial,
                 [](double t) { return 0.021 * (1 - t) * (1 + 0.09 * std::cos(t * 2 * pi * 9) * (1 - t)) + 0.003; });
 }
@@ -200,16 +200,17 @@ Mesh Horn(const Skeleton& skeleton)
 Mesh Ear(const Skeleton& skeleton)
 {
     const V3 root = At(skeleton, "EarR") + V3{-0.005, -0.02, 0};
-    const V3 along = Unit({0.6, 0.78, 0.16});
+    const V3 along = Unit({0.7, 0.66, 0.24});
     const V3 front = Unit(Cross(Cross(along, V3{0.35, 0.1, -0.93}), along));
     const V3 side = Cross(along, front);
     std::vector<Ring> rings;
     constexpr int rows = 12;
     for (int i = 0; i < rows; ++i) {
-        const double t = static_cast<double>(i) / (rows - 0.4);
-        const double wide = 0.054 * std::pow(1 - t, 0.7) * (0.55 + 1.6 * t) * (t < 0.02 ? 0.9 : 1);
+        // The rings lie denser towards the tip, where the outline bends most.
+        const double t = 1 - std::pow(1 - static_cast<double>(i) / rows, 1.45);
+        const double wide = 0.052 * std::pow(1 - t, 0.95) * (0.6 + 2.2 * t);
         rings.push_back({root + along * (0.185 * t) - front * (0.05 * t * t), side, front, wide,
-                         0.013 * (1 - t) + 0.0035, 0.55 * wide});
+                         0.014 * (1 - t) + 0.002, 0.55 * wide});
     }
     const V3 tip = root + along * 0.19 - front * 0.052;
     return Sweep(rings, root - along * 0.01, tip, 16, FindBone(skeleton, "EarR"), hideMaterial);
@@ -236,43 +237,46 @@ Mesh Mane(const Body& body, const Skeleton& skeleton)
 {
     Mesh mane;
     // From the brow over the neck to the back, along a line above the body.
-    const std::array<V3, 4> above{V3{0, 0.56, -0.5}, {0, 0.62, -0.3}, {0, 0.42, -0.22}, {0, 0.4, 0.06}};
+    const V3 head = At(skeleton, "Head");
+    const std::array<V3, 4> above{
+        head + V3{0, 0.17, -0.07}, head + V3{0, 0.22, 0.12}, {0, 0.42, -0.22}, {0, 0.4, 0.06}};
     constexpr int stations = 15;
     for (int sheet = 0; sheet < 4; ++sheet) {
         std::vector<Lock> locks;
         for (int i = 0; i < stations; ++i) {
             const double t = static_cast<double>(i) / (stations - 1);
             V3 start = Curve(above, t);
-            start.x = 0.026 * sheet;
+            start.x = 0.017 * sheet;
             const V3 skin = OnSurface(body, start);
             const V3 n = Unit(Gradient(body, skin));
             const V3 back = Unit(Curve(above, std::min(t + 0.02, 1.0)) - Curve(above, std::max(t - 0.02, 0.0)));
             const double swell = 0.35 + 0.65 * std::sin(pi * std::min(1.0, 0.12 + t * 0.9));
-            const double length = (0.125 - 0.012 * sheet) * swell;
-            V3 out = Unit(n + back * (0.75 + 0.1 * sheet) + V3{0.22 * sheet, 0, 0});
+            const double length = (0.15 - 0.012 * sheet) * swell;
+            V3 out = Unit(n + back * (0.95 + 0.12 * sheet) + V3{0.22 * sheet, 0, 0});
             out.x = sheet == 0 ? 0 : out.x;
             V3 root = skin - n * 0.012;
             root.x = sheet == 0 ? 0 : root.x;
-            locks.push_back({root, root + out * length, 5 * t + 0.37 * sheet});
+            locks.push_back({root, root + out * length, 3.2 * t + 0.37 * sheet});
         }
-        AddStrip(locks, V3{0, -0.012 * sheet, 0}, NeckBone, skeleton, &mane);
+        AddStrip(locks, V3{0.006 * sheet, -0.024 - 0.012 * sheet, 0.02}, NeckBone, skeleton, &mane);
     }
-    // A brush at the end of the tail.
-    const V3 end = skeleton[static_cast<size_t>(TailEnd(skeleton, {}))].at;
+    // A brush at the end of the tail: skirts of hair, one within the other.
     const V3 along = Unit({0, 0.07, 0.035});
+    const V3 end = skeleton[static_cast<size_t>(TailEnd(skeleton, {}))].at;
     const V3 up = Unit(Cross(along, V3{1, 0, 0}));
-    for (int sheet = 0; sheet < 7; ++sheet) {
-        const double angle = pi * sheet / 6;
-        V3 out = up * std::cos(angle) + V3{1, 0, 0} * std::sin(angle);
-        out.x = sheet == 0 || sheet == 6 ? 0 : out.x;
+    constexpr int skirts = 5;
+    for (int skirt = 0; skirt < skirts; ++skirt) {
+        const double t = static_cast<double>(skirt) / (skirts - 1);
         std::vector<Lock> locks;
-        for (int i = 0; i < 7; ++i) {
-            const double t = i / 6.0;
-            const V3 root = end - along * 0.02 + along * (0.095 * t) + out * (0.02 - 0.016 * t);
-            const V3 flow = Unit(along + out * (0.5 - 0.42 * t));
-            locks.push_back({root, root + flow * (0.09 + 0.06 * t), 2 * t + 0.21 * sheet});
+        for (int i = 0; i < stations; ++i) {
+            const double angle = pi * i / (stations - 1);
+            V3 out = up * std::cos(angle) + V3{1, 0, 0} * std::sin(angle);
+            out.x = i == 0 || i == stations - 1 ? 0 : out.x;
+            const V3 root = end + along * (0.075 * t - 0.03) + out * (0.026 - 0.012 * t);
+            const V3 flow = along + out * (0.45 - 0.4 * t);
+            locks.push_back({root, root + flow * (0.085 + 0.035 * t), angle * 0.45 + 0.23 * skirt});
         }
-        AddStrip(locks, V3{0, 0, 0}, TailEnd, skeleton, &mane);
+        AddStrip(locks, V3{0, 0.012, 0.006}, TailEnd, skeleton, &mane);
     }
     return mane;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 
 namespace {
 
@@ -34,8 +35,8 @@ Grid Sample(const Body& body, const GridSteps& steps)
     for (int i = 0; i * steps.x < 0.5; ++i) {
         grid.xs.push_back((i - 0.5) * steps.x);
     }
-    grid.ys = Planes(-0.71, 0.75, steps.y, -0.44, 0.3, steps.fineY);
-    grid.zs = Planes(-0.95, 1.05, steps.z, -0.42, 0.46, steps.fineZ);
+    grid.ys = Planes(-0.6, 0.6, steps.y, -0.28, 0.2, steps.fineY);
+    grid.zs = Planes(-0.95, 1.05, steps.z, -0.46, 0.46, steps.fineZ);
     grid.field.resize(grid.xs.size() * grid.ys.size() * grid.zs.size());
     grid.vertex.assign(grid.field.size(), -1);
     for (size_t i = 0; i < grid.xs.size(); ++i) {
@@ -183,6 +184,54 @@ void Relax(const Body& body, const std::vector<Quad>& quads, std::vector<V3>* ve
     }
 }
 
+// Vertices cut off from the rest of their bone go over to the bone around them.
+void JoinIslands(const std::vector<Quad>& quads, std::vector<int>* bones)
+{
+    std::vector<std::vector<size_t>> next(bones->size());
+    for (const Quad& quad : quads) {
+        for (size_t k = 0; k < 4; ++k) {
+            next[static_cast<size_t>(quad[k])].push_back(static_cast<size_t>(quad[(k + 1) % 4]));
+            next[static_cast<size_t>(quad[(k + 1) % 4])].push_back(static_cast<size_t>(quad[k]));
+        }
+    }
+    std::map<int, std::vector<size_t>> mainlands;
+    std::vector<char> isSeen(bones->size());
+    for (size_t i = 0; i < bones->size(); ++i) {
+        std::vector<size_t> island;
+        if (isSeen[i] == 0) {
+            isSeen[i] = 1;
+            island.push_back(i);
+        }
+        for (size_t k = 0; k < island.size(); ++k) {
+            for (const size_t other : next[island[k]]) {
+                if (isSeen[other] == 0 && (*bones)[other] == (*bones)[i]) {
+                    isSeen[other] = 1;
+                    island.push_back(other);
+                }
+            }
+        }
+        std::vector<size_t>& mainland = mainlands[(*bones)[i]];
+        mainland = island.size() > mainland.size() ? island : mainland;
+    }
+    std::vector<char> isSettled(bones->size());
+    std::vector<size_t> settled;
+    for (const auto& [bone, mainland] : mainlands) {
+        settled.insert(settled.end(), mainland.begin(), mainland.end());
+    }
+    for (const size_t i : settled) {
+        isSettled[i] = 1;
+    }
+    for (size_t k = 0; k < settled.size(); ++k) {
+        for (const size_t other : next[settled[k]]) {
+            if (isSettled[other] == 0) {
+                isSettled[other] = 1;
+                (*bones)[other] = (*bones)[settled[k]];
+                settled.push_back(other);
+            }
+        }
+    }
+}
+
 } // namespace
 
 Mesh HalfSurface(const Body& body, const Skeleton& skeleton, const GridSteps& steps)
@@ -210,6 +259,7 @@ Mesh HalfSurface(const Body& body, const Skeleton& skeleton, const GridSteps& st
         mesh.n.push_back(Unit(Gradient(body, at)));
         mesh.bone.push_back(NearestBone(body, skeleton, at));
     }
+    JoinIslands(quads, &mesh.bone);
     const auto at = [&](int v) { return mesh.v[static_cast<size_t>(v)]; };
     // How well the two halves of a quad follow the surface when it is cut from corner `turn`.
     const auto fit = [&](const Quad& quad, size_t turn) {

@@ -1,6 +1,7 @@
 #include "unwrap.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
 #include <numbers>
@@ -12,11 +13,11 @@ struct Place {
 };
 
 constexpr std::array<Place, chartCount> chartPlaces{
-    {{0, 0, 512, 96}, {0, 96, 256, 256}, {256, 96, 512, 160}, {256, 160, 512, 224}, {256, 224, 512, 256}}};
+    {{0, 0, 1024, 192}, {0, 192, 512, 512}, {512, 192, 1024, 320}, {512, 320, 1024, 448}, {512, 448, 1024, 512}}};
 
 V2 InPlace(Chart chart, double along, double around)
 {
-    constexpr double margin = 2;
+    constexpr double margin = 4;
     const Place& place = chartPlaces[chart];
     return {(place.left + margin + along * (place.right - place.left - 2 * margin)) / hideWidth,
             (place.bottom + margin + around * (place.top - place.bottom - 2 * margin)) / hideHeight};
@@ -50,7 +51,11 @@ Axis MakeAxis(const std::vector<V3>& corners, bool isMiddle)
 }
 
 // Way along and around the axis. All its points have a say, the near ones most, so that bends cause no jumps.
-V2 Around(const Axis& axis, V3 at)
+struct Turn {
+    double way, angle; // the angle from -pi to pi
+};
+
+Turn Around(const Axis& axis, V3 at)
 {
     double total = 0;
     double way = 0;
@@ -71,24 +76,15 @@ V2 Around(const Axis& axis, V3 at)
     V3 d = at - centre;
     d = d - tangent * Dot(d, tangent);
     const V3 zero = axis.isMiddle ? Cross(tangent, V3{1, 0, 0}) : V3{1, 0, 0};
-    const double toward = Dot(d, zero) / std::max(Length(d), 1e-9);
-    return {way / total, std::acos(std::clamp(toward, -1.0, 1.0)) / std::numbers::pi};
+    return {way / total, std::atan2(Dot(d, Cross(tangent, zero)), Dot(d, zero))};
 }
 
-Chart ChartOf(const Skeleton& skeleton, int bone)
+V2 Unsigned(Turn turn)
 {
-    const std::string& name = skeleton[static_cast<size_t>(bone)].name;
-    const auto is = [&](const char* stem) { return name.rfind(stem, 0) == 0; };
-    if (is("Head") || is("Jaw")) {
-        return headChart;
-    }
-    if (is("UpperArm") || is("Forearm") || is("Wrist") || is("PawF")) {
-        return armChart;
-    }
-    return is("Thigh") || is("Shin") || is("Hock") || is("PawH") ? legChart : trunkChart;
+    return {turn.way, std::fabs(turn.angle) / std::numbers::pi};
 }
 
-std::array<Axis, 4> Axes(const Skeleton& skeleton)
+std::array<Axis, earChart> Axes(const Skeleton& skeleton)
 {
     const auto at = [&](const char* stem, int step = 0) {
         return skeleton[static_cast<size_t>(FindBone(skeleton, stem) + step)].at;
@@ -112,11 +108,28 @@ std::array<Axis, 4> Axes(const Skeleton& skeleton)
 
 } // namespace
 
+Chart ChartOf(const Skeleton& skeleton, int bone)
+{
+    const std::string& name = skeleton[static_cast<size_t>(bone)].name;
+    const auto is = [&](const char* stem) { return name.rfind(stem, 0) == 0; };
+    if (is("Head") || is("Jaw")) {
+        return headChart;
+    }
+    if (is("UpperArm") || is("Forearm") || is("Wrist") || is("PawF")) {
+        return armChart;
+    }
+    return is("Thigh") || is("Shin") || is("Hock") || is("PawH") ? legChart : trunkChart;
+}
+
 Unwrapping UnwrapBody(const Skeleton& skeleton, Mesh* half)
 {
-    const std::array<Axis, 4> axes = Axes(skeleton);
+    const std::array<Axis, earChart> axes = Axes(skeleton);
     Unwrapping unwrapping;
-    std::map<std::pair<int, Chart>, int> known;
+    std::vector<std::array<Turn, earChart>> turns;
+    for (const V3& at : half->v) {
+        turns.push_back({Around(axes[0], at), Around(axes[1], at), Around(axes[2], at), Around(axes[3], at)});
+    }
+    std::map<std::array<int, 3>, int> known;
     std::vector<Chart> chartOf; // for each texture coordinate
     for (Face& face : half->f) {
         std::array<int, chartCount> votes{};
@@ -125,40 +138,54 @@ Unwrapping UnwrapBody(const Skeleton& skeleton, Mesh* half)
         }
         const auto chart = static_cast<Chart>(std::max_element(votes.begin(), votes.end()) - votes.begin());
         unwrapping.chart.push_back(chart);
+        const auto turn = [&](int v) { return turns[static_cast<size_t>(v)][chart]; };
+        const auto byAngle = [&](int a, int b) { return turn(a).angle < turn(b).angle; };
+        const auto [low, high] = std::minmax_element(face.v.begin(), face.v.end(), byAngle);
+        // A face across the cut lies whole at its upper end.
+        const bool isCut = !axes[chart].isMiddle && turn(*high).angle - turn(*low).angle > std::numbers::pi;
         for (size_t k = 0; k < 3; ++k) {
-            const auto [entry, isNew] = known.try_emplace({face.v[k], chart}, static_cast<int>(unwrapping.raw.size()));
+            const Turn at = turn(face.v[k]);
+            const bool isMoved = isCut && at.angle < 0;
+            const auto [entry, isNew] =
+                known.try_emplace({face.v[k], chart, isMoved ? 1 : 0}, static_cast<int>(unwrapping.raw.size()));
             if (isNew) {
-                unwrapping.raw.push_back(Around(axes[chart], half->v[static_cast<size_t>(face.v[k])]));
+                unwrapping.raw.push_back(
+                    axes[chart].isMiddle ? Unsigned(at) : V2{at.way, at.angle + (isMoved ? 2 * std::numbers::pi : 0)});
                 chartOf.push_back(chart);
             }
             face.t[k] = entry->second;
         }
     }
-    std::array<double, chartCount> low{};
-    std::array<double, chartCount> high{};
-    low.fill(10);
-    high.fill(-10);
+    std::array<V2, chartCount> low{};
+    std::array<V2, chartCount> high{};
+    low.fill({10, 10});
+    high.fill({-10, -10});
     for (size_t i = 0; i < chartOf.size(); ++i) {
-        low[chartOf[i]] = std::min(low[chartOf[i]], unwrapping.raw[i].u);
-        high[chartOf[i]] = std::max(high[chartOf[i]], unwrapping.raw[i].u);
+        const V2 raw = unwrapping.raw[i];
+        V2& least = low[chartOf[i]];
+        V2& most = high[chartOf[i]];
+        least = {std::min(least.u, raw.u), std::min(least.v, raw.v)};
+        most = {std::max(most.u, raw.u), std::max(most.v, raw.v)};
     }
     for (size_t i = 0; i < chartOf.size(); ++i) {
         const Chart chart = chartOf[i];
         const V2 raw = unwrapping.raw[i];
-        half->t.push_back(InPlace(chart, (raw.u - low[chart]) / (high[chart] - low[chart]), raw.v));
+        half->t.push_back(InPlace(chart, (raw.u - low[chart].u) / (high[chart].u - low[chart].u),
+                                  (raw.v - low[chart].v) / (high[chart].v - low[chart].v)));
     }
     return unwrapping;
 }
 
-std::vector<V2> TrunkPlaces(const Skeleton& skeleton, const std::vector<V3>& places)
+std::vector<std::array<V2, earChart>> PlacesAround(const Skeleton& skeleton, const std::vector<V3>& places)
 {
-    const Axis trunk = Axes(skeleton)[trunkChart];
-    std::vector<V2> raw;
-    raw.reserve(places.size());
-    for (const V3& place : places) {
-        raw.push_back(Around(trunk, place));
+    const std::array<Axis, earChart> axes = Axes(skeleton);
+    std::vector<std::array<V2, earChart>> all(places.size());
+    for (size_t i = 0; i < places.size(); ++i) {
+        for (size_t chart = 0; chart < axes.size(); ++chart) {
+            all[i][chart] = Unsigned(Around(axes[chart], places[i]));
+        }
     }
-    return raw;
+    return all;
 }
 
 void UnwrapEar(Mesh* ear, Unwrapping* unwrapping)

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <set>
 
 #include "model/modStrings.h"
@@ -34,6 +35,11 @@ TEST_F(Samples, TheVorrelHasAllThatAModelCanHave)
     Load(whole);
     EXPECT_EQ((std::set<int16_t>{SkinMesh, ShadowMesh, HeadMesh, BodyMesh, TailMesh}).size(), 5U);
     EXPECT_TRUE(SkinScale == 0.5F && SkinOffset.X == 0 && SkinOffset.Y != 0);
+    const auto byHeight = [](const Vec3& a, const Vec3& b) { return a.Y < b.Y; };
+    for (const int16_t mesh : {SkinMesh, ShadowMesh}) {
+        const std::vector<Vec3>& places = Meshes[mesh].Vertices.Items;
+        EXPECT_NEAR(std::min_element(places.begin(), places.end(), byHeight)->Y, 0, 0.01) << "stands on the floor";
+    }
     std::set<std::string> labels;
     for (int16_t i = 1; i <= static_cast<int16_t>(BoneCount()); ++i) {
         const MvmBone& bone = Bones[i];
