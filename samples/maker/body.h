@@ -8,8 +8,8 @@
 /// Height of the ground in the space that the creature is made in.
 constexpr double sole = -0.35;
 
-/// A joint in the space that the creature is made in. parent and partner are indices into the skeleton, parent -1 for a root; a bone on
-/// the middle plane is its own partner.
+/// A joint in the space that the creature is made in. parent and partner are indices into the skeleton, parent -1 for a
+/// root; a bone on the middle plane is its own partner.
 struct Joint {
     std::string name, label, extra;
     V3 at;

@@ -38,8 +38,8 @@ void SmoothNormals(Mesh* mesh);
 /// the partner bone of its original.
 void MirrorHalf(const Skeleton& skeleton, Mesh* mesh);
 
-/// Of the vertices of a half that lie so close together that mirroring cannot tell them apart, the last has its way: the
-/// others get its bone.
+/// Of the vertices of a half that lie so close together that mirroring cannot tell them apart, the last has its way:
+/// the others get its bone.
 void SettleClose(double tolerance, Mesh* mesh);
 
 /// Stops the program with a message unless the faces of all materials but `open` form closed, consistently wound

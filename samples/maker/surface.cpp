@@ -49,8 +49,8 @@ Grid Sample(const Body& body, const GridSteps& steps)
     return grid;
 }
 
-// Where a face of a cell has its inside corners at opposite ends, four faces of the mesh would meet in one edge. There the
-// corner next to the surface changes sides; the vertices are brought back to the true surface later.
+// Where a face of a cell has its inside corners at opposite ends, four faces of the mesh would meet in one edge. There
+// the corner next to the surface changes sides; the vertices are brought back to the true surface later.
 void Untangle(Grid* grid)
 {
     for (bool changed = true; changed;) {

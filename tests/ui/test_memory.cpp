@@ -23,7 +23,7 @@ TEST(Memory, ThatEndsInACommandEndsItInABox)
     allocation::From = &__executable_start;
     allocation::To = &etext;
     for (const char* name : {"mnuOptionsAlias", "mnuToolsStatsBones", "mnuToolsReloadTextures", "mnuFileSave",
-                             "cmdUnAssign", "cmdMirror", "mnuViewCameraTop", "optShadow1", "optMode0"}) {
+                             "cmdUnAssign", "mnuViewCameraTop", "optShadow1", "optMode0"}) {
         auto* button = window->findChild<QPushButton*>(QLatin1String(name));
         QAction* entry = button == nullptr ? window->Entry(name) : nullptr;
         for (int number = 1, last = 1; number <= last && number < 400; ++number) {
