@@ -166,6 +166,14 @@ void frmMain::keyPressEvent(QKeyEvent* event)
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event)
 {
+    if (watched == mnuViewCamera) {
+        // The menu that came up during a drag takes the release that ends it.
+        if (event->type() == QEvent::MouseButtonRelease && MouseButton != 0) {
+            const QPoint screen = static_cast<QMouseEvent*>(event)->globalPosition().toPoint();
+            Perform("picMain_MouseUp", [&] { picMain_MouseUp(picMain->mapFromGlobal(screen)); });
+        }
+        return false;
+    }
     switch (event->type()) {
     case QEvent::KeyPress: {
         const auto* key = static_cast<QKeyEvent*>(event);
@@ -202,14 +210,6 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event)
         return false;
     default:
         break;
-    }
-    if (watched == mnuViewCamera) {
-        // The menu that came up during a drag takes the release that ends it.
-        if (event->type() == QEvent::MouseButtonRelease && MouseButton != 0) {
-            const QPoint screen = static_cast<QMouseEvent*>(event)->globalPosition().toPoint();
-            Perform("picMain_MouseUp", [&] { picMain_MouseUp(picMain->mapFromGlobal(screen)); });
-        }
-        return false;
     }
     if (watched != picMain) {
         return QMainWindow::eventFilter(watched, event);

@@ -113,6 +113,7 @@ void frmMain::changeEvent(QEvent* event)
         if (CancelDrag()) {
             SetPanelText("toolhelp", "The drag was given up: another window came to the front.");
         }
+        EndTryJoint();
         ListDragging = false;
     }
 }
