@@ -1,11 +1,12 @@
 // Memory that ends inside commands: every allocation of the program's own code fails in turn.
+#include <dlfcn.h>
+
 #include "app/modUndo.h"
 #include "support/failing_new.h"
 #include "support/scene_bytes.h"
 #include "support/ui_window.h"
 
-extern char __executable_start;
-extern char etext;
+extern char etext; // the linker's name for the end of the program's code
 
 TEST(Memory, ThatEndsInACommandEndsItInABox)
 {
@@ -20,7 +21,9 @@ TEST(Memory, ThatEndsInACommandEndsItInABox)
         }
     });
     closer.start(1);
-    allocation::From = &__executable_start;
+    Dl_info program{};
+    ASSERT_NE(dladdr(reinterpret_cast<void*>(&SmallModel), &program), 0);
+    allocation::From = static_cast<const char*>(program.dli_fbase);
     allocation::To = &etext;
     for (const char* name : {"mnuOptionsAlias", "mnuToolsStatsBones", "mnuToolsReloadTextures", "mnuFileSave",
                              "cmdUnAssign", "mnuViewCameraTop", "optShadow1", "optMode0"}) {
