@@ -53,9 +53,11 @@ void UiWindow::Do(const std::string& trigger, std::deque<Step> dialogs) const
     const QStringList place = last.split(u',');
     const QPoint at(place[0].toInt(), place.back().toInt());
     const auto button = [&words] {
-        const QStringList names = {QStringLiteral("left"), QStringLiteral("right"), QStringLiteral("middle"),
-                                   QStringLiteral("back")};
-        return static_cast<Qt::MouseButton>(1U << static_cast<unsigned>(names.indexOf(words[1])));
+        const std::map<QString, Qt::MouseButton> buttons = {{QStringLiteral("left"), Qt::LeftButton},
+                                                            {QStringLiteral("right"), Qt::RightButton},
+                                                            {QStringLiteral("middle"), Qt::MiddleButton},
+                                                            {QStringLiteral("back"), Qt::BackButton}};
+        return buttons.at(words[1]);
     };
     if (trigger.starts_with("mnu")) {
         window->Entry(trigger.c_str())->trigger();
