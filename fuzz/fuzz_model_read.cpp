@@ -13,7 +13,6 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     scripted::Reset();
-    ChunkBytes = 100; // so that the parts of a small file meet its borders too
     if (!LoadMVM(MemoryFile(0, data, size)) && scripted::Messages.empty()) {
         __builtin_trap();
     }
