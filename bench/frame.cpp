@@ -93,7 +93,7 @@ void Frame(benchmark::State& state, bool sorted, bool lines, void (*paint)())
 void TriedJoint()
 {
     TryingJoint = true;
-    JointAngle = 10;
+    JointAngle = 0.01; // the picture stays the same, so that the row shows what the turning costs
     PaintFrame();
     TryingJoint = false;
     JointAngle = 0;
