@@ -4,6 +4,7 @@
 int main(int argc, char* argv[])
 {
     testing::InitGoogleTest(&argc, argv);
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs); // the tests press the parts of the toolkit's chooser
     QApplication application(argc, argv);
     PrepareApplication();
     QApplication::setQuitOnLastWindowClosed(false);
