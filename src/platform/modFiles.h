@@ -57,7 +57,5 @@ struct SaveRest {
 bool SaveWhole(const std::string& path, const std::string& guard, const PartMaker& make, SaveRest* rest,
                std::string* error);
 
-bool RemoveFile(const std::string& path, std::string* error);
-
 /// The folder that holds the program, found through links, without a separator at its end.
 [[nodiscard]] std::string ProgramFolder();

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <optional>
 #include <string>
 
 #include <QLocale>
@@ -79,19 +80,24 @@ void EndFailedCommand(const char* name, const std::exception& failure, int busyD
     SetActiveBone(bone);
 }
 
-void ShowTaken(const std::string& verb, const TakenStep& step)
+/// Takes a step, and says which: `verb` is "Undo" or "Redo". Nothing happens in the middle of another command.
+void Take(std::optional<TakenStep> (*take)(), const std::string& verb)
 {
-    const QString count = QLocale(QLocale::English).toString(step.Vertices);
-    const std::string vertices = step.Vertices == 0   ? ""
-                                 : step.Vertices == 1 ? " (1 vertex)"
-                                                      : " (" + count.toStdString() + " vertices)";
-    MainForm()->ShowTarget(step.EditTarget, step.ActiveBone);
-    SetPanelText("toolhelp", verb + step.Label + vertices);
-}
-
-bool MayStep()
-{
-    return depth == 1 && MainForm() != nullptr && !MainForm()->Busy();
+    frmMain* window = MainForm();
+    if (depth != 1 || window == nullptr || window->Busy()) {
+        return;
+    }
+    const auto step = take();
+    if (!step) {
+        SetPanelText("toolhelp", verb == "Undo" ? "Nothing to undo." : "Nothing to redo.");
+        return;
+    }
+    const QString count = QLocale(QLocale::English).toString(step->Vertices);
+    const std::string vertices = step->Vertices == 0   ? ""
+                                 : step->Vertices == 1 ? " (1 vertex)"
+                                                       : " (" + count.toStdString() + " vertices)";
+    window->ShowTarget(step->EditTarget, step->ActiveBone);
+    SetPanelText("toolhelp", verb + ": " + step->Label + vertices);
 }
 
 } // namespace
@@ -113,24 +119,10 @@ void PerformCommand(const char* name, const std::function<void()>& command)
 
 void UndoCommand()
 {
-    if (!MayStep()) {
-        return;
-    }
-    if (const auto step = UndoStep()) {
-        ShowTaken("Undo: ", *step);
-    } else {
-        SetPanelText("toolhelp", "Nothing to undo.");
-    }
+    Take(UndoStep, "Undo");
 }
 
 void RedoCommand()
 {
-    if (!MayStep()) {
-        return;
-    }
-    if (const auto step = RedoStep()) {
-        ShowTaken("Redo: ", *step);
-    } else {
-        SetPanelText("toolhelp", "Nothing to redo.");
-    }
+    Take(RedoStep, "Redo");
 }

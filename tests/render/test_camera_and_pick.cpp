@@ -6,13 +6,11 @@
 
 #include "app/modMvmDef.h"
 #include "modCamera.h"
-#include "modMaterialState.h"
 #include "modOpenGL.h"
 #include "modPick.h"
 #include "modSession.h"
 #include "modViewFlags.h"
 #include "support/render_harness.h"
-#include "support/render_plain.h"
 #include "support/scripted.h"
 
 namespace {

@@ -132,11 +132,3 @@ bool ReadWhole(const std::string& path, std::string* bytes, std::string* error)
     *bytes = std::move(content);
     return true;
 }
-
-bool RemoveFile(const std::string& path, std::string* error)
-{
-    if (!IsPath(path)) {
-        return FailPath(path, error);
-    }
-    return StepDelete(path) == 0 || Fail(errno, error);
-}
