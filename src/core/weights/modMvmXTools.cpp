@@ -13,7 +13,6 @@ namespace {
 
 constexpr float farthest = 1000000.0F;
 
-/// A coordinate of a bone in the skin's space, rounded once.
 float ToSkin(float position, float offset)
 {
     return static_cast<float>((static_cast<double>(position) + offset) * SkinScale);
@@ -53,28 +52,40 @@ void AddFace(const MvmMesh& shape, const MvmFace& face, std::vector<Vec3>* sums)
 
 } // namespace
 
-void AutoAssign(int16_t mesh)
+bool MayAssign(int16_t mesh)
 {
     if (!IsValidMesh(mesh)) {
-        return;
+        return false;
     }
     if (BoneCount() < 1) {
         ShowMessage(BoxIcon::Warning, "No boned found to assign.");
+        return false;
+    }
+    if (!Meshes[mesh].IsSkin) {
+        ShowMessage(BoxIcon::Warning, "Mesh is not a skin.");
+        return false;
+    }
+    return true;
+}
+
+Vec3 JointInSkin(const MvmBone& bone)
+{
+    return {ToSkin(bone.Position.X, SkinOffset.X), ToSkin(bone.Position.Y, SkinOffset.Y),
+            ToSkin(bone.Position.Z, SkinOffset.Z)};
+}
+
+void AutoAssign(int16_t mesh)
+{
+    if (!MayAssign(mesh)) {
         return;
     }
     MvmMesh& skin = Meshes[mesh];
-    if (!skin.IsSkin) {
-        ShowMessage(BoxIcon::Warning, "Mesh is not a skin.");
-        return;
-    }
     std::vector<TreeNode> places;
     const int32_t last = std::min<int32_t>(BoneCount(), INT16_MAX);
     for (int32_t b = 1; b <= last; ++b) {
         const MvmBone& bone = Bones[b];
         if (!bone.IsShadow) {
-            places.push_back({{ToSkin(bone.Position.X, SkinOffset.X), ToSkin(bone.Position.Y, SkinOffset.Y),
-                               ToSkin(bone.Position.Z, SkinOffset.Z)},
-                              b});
+            places.push_back({.At = PlaceOf(JointInSkin(bone)), .Index = b});
         }
     }
     const PointTree tree = BuildPointTree(std::move(places));
