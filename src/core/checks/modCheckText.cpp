@@ -31,6 +31,7 @@ struct TextCheck {
     Before Last = Before::Nothing;
     std::string Text{}; ///< the line of text that may be the header of an unknown block
     int64_t TextLine = 0;
+    int64_t LastLine = 0;  ///< that is not empty
     int64_t LineFeeds = 0; ///< that end no line
     bool HasLineEnds = false;
 };
@@ -172,6 +173,7 @@ void CheckHeader(std::string_view line, const Keyword& keyword, TextCheck* check
 /// True for a line that is no header only for what stands before or behind its keyword.
 bool IsBrokenHeader(std::string_view text)
 {
+    text.remove_prefix(std::min(text.size(), text.find_first_not_of("} \t\n")));
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     if (text.substr(0, byteOrderMark.size()) == byteOrderMark) {
         text = Trimmed(text.substr(byteOrderMark.size()));
@@ -290,6 +292,7 @@ void CheckLines(std::string_view lines, TextCheck* check)
                 CheckLine({at, static_cast<size_t>(lineEnd - at)}, check);
             }
         }
+        check->LastLine = lineEnd != at ? check->Notes.Line : check->LastLine;
         at = lineEnd + (end - lineEnd > 1 && lineEnd[1] == '\n' ? 2 : 1);
     }
 }
@@ -335,6 +338,7 @@ void CheckEnd(TextCheck* check)
 {
     DropText(check);
     if (check->Open) {
+        check->Notes.Line = check->LastLine;
         if (Finding* const fresh = NoteText("cut-off", Severity::Error, "", &check->Notes)) {
             fresh->What = "The file ends inside a block, so that the rest of the model is probably missing.";
             fresh->Advice = "Export the model again, or add the missing \"}\" when nothing else is missing.";

@@ -222,14 +222,13 @@ void CheckTuple(const TextKey& key, std::string_view value, size_t count, bool j
     std::string_view read = value.substr(1, value.size() - 2);
     const size_t brace = value.find('}');
     std::string_view meant = value.substr(0, brace);
-    meant.remove_prefix(!meant.empty() && !BelongsToNumber(meant.front()) ? 1 : 0);
+    meant.remove_prefix(meant.starts_with('(') || meant.starts_with('[') ? 1 : 0);
     const size_t end = meant.find(')');
     std::string_view behind;
     if (end != std::string_view::npos) {
         behind = meant.substr(end + 1);
         meant = meant.substr(0, end);
-    } else if (!meant.empty() && brace == std::string_view::npos && !BelongsToNumber(meant.back()) &&
-               !IsWholly(meant)) {
+    } else if (brace == std::string_view::npos && meant.ends_with(']')) {
         meant.remove_suffix(1);
     }
     const auto expected = static_cast<ptrdiff_t>(count);
