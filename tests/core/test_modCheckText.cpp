@@ -213,7 +213,8 @@ TEST_F(TextCheck, TellsOfWhateverASaveLoses)
         }
         ASSERT_TRUE(LoadAnew(text)) << text << Told();
         const MvmMesh& skin = Meshes[1];
-        if (skin.VertexBones[1] == 0 || (skin.VertexBones[2] == 0) != (skin.VertexJoints[2] == -1)) {
+        if (skin.VertexBones.Count() < 2 || skin.VertexBones[1] == 0 ||
+            (skin.VertexBones[2] == 0) != (skin.VertexJoints[2] == -1)) {
             continue; // joint numbers without a bone are no matter of the text
         }
         ++clean;
