@@ -180,7 +180,7 @@ void CheckBodyLine(std::string_view line, TextBlock* block, TextNotes* notes)
     const size_t brace = line.find('}');
     const bool closes = brace != std::string_view::npos;
     const std::string_view behindBrace = closes ? line.substr(brace + 1) : std::string_view();
-    if (Trimmed(line.substr(0, brace)).empty()) {
+    if (line.substr(0, brace).find_first_not_of(" \t\n{") == std::string_view::npos) {
         NoteBehind(behindBrace, closing, notes);
         return;
     }

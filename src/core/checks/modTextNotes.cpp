@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr size_t mostGroups = 200;
+constexpr int mostGroups = 30; ///< of a code
 constexpr size_t longestQuote = 40;
 
 bool IsControl(char c)
@@ -29,7 +29,7 @@ Finding* NoteText(const char* code, Severity grade, std::string_view group, Text
 {
     const std::string name = std::string(code).append(1, ' ').append(group);
     auto place = notes->Groups.find(name);
-    const bool tooMany = place == notes->Groups.end() && notes->Groups.size() >= mostGroups;
+    const bool tooMany = place == notes->Groups.end() && ++notes->GroupsOf[code] > mostGroups;
     if (tooMany) {
         place = notes->Groups.find(code);
     }

@@ -13,9 +13,10 @@
 /// What is found in the text of a model file while its lines are looked at in order.
 struct TextNotes {
     std::vector<Finding> Findings{};
-    std::map<std::string, size_t> Groups{}; ///< what makes findings one, to its place in Findings
-    std::array<size_t, 6> Digits{};         ///< by block kind, 1 + the place of that finding; 0 for none
-    int64_t Line = 0;                       ///< the line at work
+    std::map<std::string, size_t> Groups{};     ///< what makes findings one, to its place in Findings
+    std::map<std::string_view, int> GroupsOf{}; ///< how many a code has
+    std::array<size_t, 6> Digits{};             ///< by block kind, 1 + the place of that finding; 0 for none
+    int64_t Line = 0;                           ///< the line at work
 };
 
 /// Adds the present line to the finding of this code and group. Gives it when it is new, for its texts, else nullptr.

@@ -47,17 +47,20 @@ bool IsWholly(std::string_view text)
     return !text.empty() && std::all_of(text.begin(), text.end(), IsDigit);
 }
 
-/// True for plain decimals of so few digits that no float's rounding can show in them.
-bool HasFewDigits(std::string_view text)
+/// How many digits a number has, without zeros in front, and zeros behind the last other digit.
+int SignificantDigits(std::string_view number)
 {
-    size_t digits = 0;
-    for (const char c : text) {
-        if (!BelongsToNumber(c)) {
-            return false;
+    int digits = 0;
+    int last = 0;
+    for (const char c : number) {
+        if (IsDigit(c)) {
+            digits += c != '0' || digits > 0 ? 1 : 0;
+            last = c != '0' ? digits : last;
+        } else if (!BelongsToNumber(c)) {
+            break; // the exponent
         }
-        digits += (IsDigit(c) && (c != '0' || digits > 0)) ? 1 : 0;
     }
-    return digits <= 6 && text.size() <= 16;
+    return last;
 }
 
 /// A number as a load has it, for people.
@@ -79,7 +82,7 @@ void NoteTooLarge(const TextKey& key, std::string_view text, TextNotes* notes)
 
 void NoteNoNumber(const TextKey& key, std::string_view text, double read, TextNotes* notes)
 {
-    const std::string group = BlockWords(key.Kind).append(1, ' ').append(key.Key);
+    const std::string group = std::string(key.Key).append(1, static_cast<char>('0' + static_cast<int>(key.Kind)));
     if (Finding* const fresh = NoteText("no-number", Severity::Error, group, notes)) {
         const std::string number = ShownNumber(read);
         const std::string behind = " behind " + Quoted(key.Key) + " in " + BlockWords(key.Kind);
@@ -95,11 +98,12 @@ void NoteNoNumber(const TextKey& key, std::string_view text, double read, TextNo
 bool ReadsAsMeant(const TextKey& key, std::string_view text, std::string_view readFrom, double* value, TextNotes* notes)
 {
     double meant = 0;
-    if (!LeadingNumber(readFrom, value) || !LeadingNumber(text, &meant)) {
+    const bool isSame = text == readFrom;
+    if (!LeadingNumber(readFrom, value) || (!isSame && !LeadingNumber(text, &meant))) {
         NoteTooLarge(key, text, notes);
         return false;
     }
-    if (!IsWholly(text) || meant != *value) {
+    if (!IsWholly(text) || (!isSame && meant != *value)) {
         NoteNoNumber(key, text, *value, notes);
         return false;
     }
@@ -109,14 +113,22 @@ bool ReadsAsMeant(const TextKey& key, std::string_view text, std::string_view re
 void CheckFloat(const TextKey& key, std::string_view text, std::string_view readFrom, TextNotes* notes)
 {
     double value = 0;
-    if (!ReadsAsMeant(key, text, readFrom, &value, notes) || HasFewDigits(text)) {
-        return;
-    }
     float stored = 0;
     double back = 0;
+    if (!ReadsAsMeant(key, text, readFrom, &value, notes)) {
+        return;
+    }
     if (!ToFloat(value, &stored)) {
         NoteTooLarge(key, text, notes);
-    } else if (!LeadingNumber(FloatToText(stored), &back) || back != value) {
+        return;
+    }
+    // A double tells any two numbers of up to 15 digits apart, and a normal float those of up to 6.
+    const int digits = SignificantDigits(text);
+    const bool isNormal = stored == 0 ? value == 0 : std::isnormal(stored);
+    if (digits <= 6 && isNormal) {
+        return;
+    }
+    if ((digits > 7 && digits <= 15) || !LeadingNumber(FloatToText(stored), &back) || back != value) {
         NoteDigits(1, key.Kind, notes);
     }
 }
@@ -167,9 +179,11 @@ void CheckFaceMaterial(const TextKey& key, std::string_view text, std::string_vi
     }
 }
 
-std::string BehindValue(const TextKey& key)
+void NoteBehindValue(std::string_view text, const TextKey& key, TextNotes* notes)
 {
-    return "the value of \"" + std::string(key.Key) + "\" in " + BlockWords(key.Kind);
+    if (!text.empty()) {
+        NoteBehind(text, "the value of \"" + std::string(key.Key) + "\" in " + BlockWords(key.Kind), notes);
+    }
 }
 
 ptrdiff_t Pieces(std::string_view text)
@@ -186,7 +200,7 @@ void CheckJoint(const TextKey& key, std::string_view value, std::string_view mea
         behind.remove_prefix(1);
         joint = TakeUpTo(',', &behind);
     }
-    NoteBehind(behind, BehindValue(key), notes);
+    NoteBehindValue(behind, key, notes);
     const bool isRead = Pieces(value) == 4;
     CheckInt16({"joint number", key.Kind}, joint, isRead ? value.substr(value.rfind(',') + 1) : std::string_view(),
                notes);
@@ -222,14 +236,13 @@ void CheckTuple(const TextKey& key, std::string_view value, size_t count, bool j
     std::string_view read = value.substr(1, value.size() - 2);
     const size_t brace = value.find('}');
     std::string_view meant = value.substr(0, brace);
-    meant.remove_prefix(!meant.empty() && !BelongsToNumber(meant.front()) ? 1 : 0);
+    meant.remove_prefix(meant.starts_with('(') || meant.starts_with('[') ? 1 : 0);
     const size_t end = meant.find(')');
     std::string_view behind;
     if (end != std::string_view::npos) {
         behind = meant.substr(end + 1);
         meant = meant.substr(0, end);
-    } else if (!meant.empty() && brace == std::string_view::npos && !BelongsToNumber(meant.back()) &&
-               !IsWholly(meant)) {
+    } else if (brace == std::string_view::npos && meant.ends_with(']')) {
         meant.remove_suffix(1);
     }
     const auto expected = static_cast<ptrdiff_t>(count);
@@ -247,9 +260,9 @@ void CheckTuple(const TextKey& key, std::string_view value, size_t count, bool j
     if (joint) {
         CheckJoint(key, value, behind.empty() ? TakeUpTo(',', &meant) : std::string_view(), behind, notes);
     } else {
-        NoteBehind(behind, BehindValue(key), notes);
+        NoteBehindValue(behind, key, notes);
     }
-    NoteBehind(meant, BehindValue(key), notes);
+    NoteBehindValue(meant, key, notes);
 }
 
 void CheckFace(const TextKey& key, std::string_view value, const TextBlock& block, TextNotes* notes)
@@ -264,7 +277,7 @@ void CheckFace(const TextKey& key, std::string_view value, const TextBlock& bloc
     }
     const std::string_view material = TakeUpTo(',', &meant);
     CheckFaceMaterial(key, material, TakeUpTo(',', &read), block, notes);
-    NoteBehind(meant, BehindValue(key), notes);
+    NoteBehindValue(meant, key, notes);
 }
 
 void CheckNumber(const TextKey& key, std::string_view value, TextNotes* notes)
