@@ -370,12 +370,16 @@ private:
     std::vector<Candidate> Open;
 };
 
-/// Turns the tree about when more numbered rows then grow from their first bone on: the new root is the joint of the
-/// middle, nearest to the old one, from which the fewest links run against the numbers.
+/// Turns the tree about when more rows of one name then grow from their first bone on, by number or else by the order
+/// of the bones: the new root is the joint of the middle, nearest to the old one, from which the fewest links run
+/// against that order.
 void TurnByNumbers(const Joints& joints, std::vector<size_t>* links)
 {
     const auto against = [&](size_t child, size_t parent) {
-        return InRow(joints[child], joints[parent]) && joints[child].Number < joints[parent].Number ? 1 : 0;
+        const Joint& a = joints[child];
+        const Joint& b = joints[parent];
+        const bool isOneName = a.Stem == b.Stem && a.Side == b.Side && std::abs(a.Number - b.Number) <= 1;
+        return isOneName && std::pair(a.Number, a.Bone) < std::pair(b.Number, b.Bone) ? 1 : 0;
     };
     // Parents first.
     std::vector<size_t> order;
@@ -387,7 +391,7 @@ void TurnByNumbers(const Joints& joints, std::vector<size_t>* links)
     for (size_t i = 0; i < order.size(); ++i) {
         order.insert(order.end(), children[order[i]].begin(), children[order[i]].end());
     }
-    // By how many the links against the numbers change when a joint becomes the root.
+    // By how many the links against the order change when a joint becomes the root.
     std::vector<int32_t> changes(links->size());
     size_t best = 0;
     for (const size_t j : order) {
