@@ -34,6 +34,7 @@ std::vector<int16_t> BonesToWrite(bool shadow)
         }
     }
     std::vector<int16_t> bones;
+    bones.reserve(byName.size());
     for (const auto& [name, bone] : byName) {
         bones.push_back(bone);
     }
