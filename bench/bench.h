@@ -39,6 +39,11 @@ void RegisterFrameCases();
 void MeasureMemory(const std::string& self);
 void MeasureStart(const std::string& self);
 
+/// How far the commands that assign all vertices agree with the artists of other people's models.
+void MeasureSegments();
+/// The filter that runs nothing but MeasureSegments.
+inline constexpr const char* segmentsFilter = "Segments";
+
 // First argument of this program as a child; the second is the file.
 inline constexpr const char* memoryMode = "--child-memory";
 inline constexpr const char* startMode = "--child-start";

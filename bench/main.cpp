@@ -139,6 +139,9 @@ int RunAll(int argc, char** argv)
         MeasureMemory(self);
         MeasureStart(self);
     }
+    if (everything || benchmark::GetBenchmarkFilter() == segmentsFilter) {
+        MeasureSegments();
+    }
 
     frmMain window;
     window.Start("");

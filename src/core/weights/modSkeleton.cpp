@@ -28,6 +28,7 @@ constexpr double wayWeight = 0.3;
 // Factors of a bone's length, below 1 in favour of a link.
 constexpr double nextInRow = 0.8;    ///< from 1 to 2 in a row of numbers
 constexpr double rowElsewhere = 1.2; ///< from something else to 2
+constexpr double sideBySide = 3;     ///< from the first finger to the second
 constexpr double alongLimb = 0.7;    ///< from thigh to shin
 constexpr double faceOnHead = 0.7;
 constexpr double least = alongLimb * nextInRow;
@@ -47,20 +48,22 @@ struct PartWord {
 
 // The longer of two that begin alike stands first.
 constexpr auto partWords = std::to_array<PartWord>({
-    {"pelvis", Part::Trunk, 0}, {"hips", Part::Trunk, 0},   {"root", Part::Trunk, 0},  {"spine", Part::Trunk, 1},
-    {"loin", Part::Trunk, 1},   {"waist", Part::Trunk, 1},  {"belly", Part::Trunk, 1}, {"back", Part::Trunk, 1},
-    {"chest", Part::Trunk, 2},  {"rib", Part::Trunk, 2},    {"torso", Part::Trunk, 2}, {"neck", Part::Trunk, 3},
-    {"head", Part::Head, 0},    {"skull", Part::Head, 0},   {"jaw", Part::Face, 0},    {"eye", Part::Face, 1},
-    {"ear", Part::Face, 1},     {"horn", Part::Face, 1},    {"brow", Part::Face, 1},   {"cheek", Part::Face, 1},
-    {"lip", Part::Face, 2},     {"mouth", Part::Face, 1},   {"nose", Part::Face, 1},   {"tongue", Part::Face, 2},
-    {"tail", Part::Tail, 0},    {"clavicle", Part::Arm, 0}, {"collar", Part::Arm, 0},  {"scapula", Part::Arm, 0},
-    {"shoulder", Part::Arm, 0}, {"upperarm", Part::Arm, 1}, {"uparm", Part::Arm, 1},   {"arm", Part::Arm, 1},
-    {"forearm", Part::Arm, 2},  {"elbow", Part::Arm, 2},    {"wrist", Part::Arm, 3},   {"hand", Part::Arm, 3},
-    {"finger", Part::Arm, 4},   {"thumb", Part::Arm, 4},    {"thigh", Part::Leg, 0},   {"hip", Part::Leg, 0},
-    {"upleg", Part::Leg, 0},    {"upperleg", Part::Leg, 0}, {"leg", Part::Leg, 1},     {"shin", Part::Leg, 1},
-    {"calf", Part::Leg, 1},     {"knee", Part::Leg, 1},     {"hock", Part::Leg, 2},    {"ankle", Part::Leg, 2},
-    {"foot", Part::Leg, 3},     {"toe", Part::Leg, 4},
+    {"pelvis", Part::Trunk, 0}, {"hips", Part::Trunk, 0},  {"root", Part::Trunk, 0},   {"spine", Part::Trunk, 1},
+    {"loin", Part::Trunk, 1},   {"waist", Part::Trunk, 1}, {"belly", Part::Trunk, 1},  {"back", Part::Trunk, 1},
+    {"chest", Part::Trunk, 2},  {"rib", Part::Trunk, 2},   {"torso", Part::Trunk, 1},  {"neck", Part::Trunk, 3},
+    {"head", Part::Head, 0},    {"skull", Part::Head, 0},  {"jaw", Part::Face, 0},     {"eye", Part::Face, 1},
+    {"ear", Part::Face, 1},     {"horn", Part::Face, 1},   {"brow", Part::Face, 1},    {"lid", Part::Face, 1},
+    {"antler", Part::Face, 1},  {"cheek", Part::Face, 1},  {"lip", Part::Face, 2},     {"mouth", Part::Face, 1},
+    {"nose", Part::Face, 1},    {"tongue", Part::Face, 2}, {"tail", Part::Tail, 0},    {"clavicle", Part::Arm, 0},
+    {"collar", Part::Arm, 0},   {"scapula", Part::Arm, 0}, {"shoulder", Part::Arm, 0}, {"upperarm", Part::Arm, 1},
+    {"uparm", Part::Arm, 1},    {"arm", Part::Arm, 1},     {"forearm", Part::Arm, 2},  {"elbow", Part::Arm, 2},
+    {"wrist", Part::Arm, 3},    {"hand", Part::Arm, 3},    {"finger", Part::Arm, 4},   {"thumb", Part::Arm, 4},
+    {"thigh", Part::Leg, 0},    {"hip", Part::Leg, 0},     {"upleg", Part::Leg, 0},    {"upperleg", Part::Leg, 0},
+    {"leg", Part::Leg, 1},      {"shin", Part::Leg, 1},    {"calf", Part::Leg, 1},     {"knee", Part::Leg, 1},
+    {"hock", Part::Leg, 2},     {"ankle", Part::Leg, 2},   {"foot", Part::Leg, 3},     {"toe", Part::Leg, 4},
 });
+
+constexpr int digitRank = 4;
 
 /// A bone as the guess sees it.
 struct Joint {
@@ -271,6 +274,12 @@ bool Opposite(const Joint& a, const Joint& b)
     return a.Side != b.Side && a.Side != BodySide::Middle && b.Side != BodySide::Middle;
 }
 
+/// How little a part is where a skeleton begins.
+int Outwardness(const Joint& joint)
+{
+    return joint.Where == Part::Trunk ? 0 : joint.Where == Part::Unknown || joint.Where == Part::Head ? 1 : 2;
+}
+
 /// The tree, grown from the root joint by joint, each time by the one that costs least.
 class Growth {
 public:
@@ -312,7 +321,7 @@ private:
     };
     using Place = std::vector<Candidate>::iterator;
 
-    /// The joint to begin with: by name, else the one nearest to the middle of all.
+    /// The joint to begin with: by name, of several the one nearest to the middle of all.
     Place ChooseRoot()
     {
         std::array<double, 3> middle{};
@@ -323,9 +332,8 @@ private:
         }
         const auto key = [&](const Candidate& open) {
             const Joint& joint = Tree[open.Joint];
-            const bool isCentral = joint.Where == Part::Trunk && joint.Rank == 0;
-            return std::tuple(joint.Side != BodySide::Middle, joint.Anywhere, !isCentral, Distance(joint.At, middle),
-                              open.Joint);
+            return std::tuple(joint.Side != BodySide::Middle, joint.Anywhere, Outwardness(joint), joint.Rank,
+                              Distance(joint.At, middle), open.Joint);
         };
         return std::min_element(Open.begin(), Open.end(),
                                 [&](const Candidate& a, const Candidate& b) { return key(a) < key(b); });
@@ -355,11 +363,14 @@ private:
 
     [[nodiscard]] double RowFactor(size_t child, size_t parent) const
     {
-        // Bones numbered side by side, such as fingers, do not hang on one another.
         const size_t link = Links[parent];
-        if (InRow(Tree[child], Tree[parent]) &&
-            (link == 0 || Distance(Tree[child].At, Tree[link].At) > 1.2 * Distance(Tree[parent].At, Tree[link].At))) {
-            return nextInRow;
+        if (InRow(Tree[child], Tree[parent])) {
+            // Fingers numbered side by side are equally far from the hand.
+            const double before = link == 0 ? 0 : Distance(Tree[parent].At, Tree[link].At);
+            const double behind = link == 0 ? 1 : Distance(Tree[child].At, Tree[link].At);
+            return behind > 1.2 * before                                    ? nextInRow
+                   : Tree[child].Rank == digitRank && behind > 0.8 * before ? sideBySide
+                                                                            : 1;
         }
         return Tree[child].IsLater ? rowElsewhere : 1;
     }
@@ -370,12 +381,16 @@ private:
     std::vector<Candidate> Open;
 };
 
-/// Turns the tree about when more numbered rows then grow from their first bone on: the new root is the joint of the
-/// middle, nearest to the old one, from which the fewest links run against the numbers.
+/// Turns a tree whose root has no telling name about when more rows of one name then grow from their first bone on, by number or else by the order
+/// of the bones: the new root is the joint of the middle, nearest to the old one, from which the fewest links run
+/// against that order.
 void TurnByNumbers(const Joints& joints, std::vector<size_t>* links)
 {
     const auto against = [&](size_t child, size_t parent) {
-        return InRow(joints[child], joints[parent]) && joints[child].Number < joints[parent].Number ? 1 : 0;
+        const Joint& a = joints[child];
+        const Joint& b = joints[parent];
+        const bool isOneName = a.Stem == b.Stem && a.Side == b.Side && std::abs(a.Number - b.Number) <= 1;
+        return isOneName && std::pair(a.Number, a.Bone) < std::pair(b.Number, b.Bone) ? 1 : 0;
     };
     // Parents first.
     std::vector<size_t> order;
@@ -387,11 +402,14 @@ void TurnByNumbers(const Joints& joints, std::vector<size_t>* links)
     for (size_t i = 0; i < order.size(); ++i) {
         order.insert(order.end(), children[order[i]].begin(), children[order[i]].end());
     }
-    // By how many the links against the numbers change when a joint becomes the root.
+    // By how many the links against the order change when a joint becomes the root.
     std::vector<int32_t> changes(links->size());
     size_t best = 0;
     for (const size_t j : order) {
         const size_t link = (*links)[j];
+        if (link == 0 && joints[j].Where == Part::Trunk && joints[j].Rank == 0) {
+            return;
+        }
         if (link == 0 || joints[j].Side != BodySide::Middle) {
             continue;
         }
