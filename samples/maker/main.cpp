@@ -44,7 +44,18 @@ void Finish(const Skeleton& skeleton, int open, Mesh* mesh)
         at = Standing(at);
     }
     RoundMesh(mesh);
-    SettleClose(closeTogether, mesh);
+    constexpr int patience = 5; // rounds in which vertices of one shell stay where they are
+    bool settled = false;
+    for (int round = 0; !settled; ++round) {
+        const bool pieces = SettlePieces(mesh);
+        const bool parted = PartClose(closeTogether, round >= patience, eyeMaterial, mesh);
+        RoundMesh(mesh);
+        const bool close = SettleClose(closeTogether, mesh);
+        settled = !pieces && !parted && !close;
+        if (round == 4 * patience) {
+            Fail("the bones do not settle");
+        }
+    }
     MirrorHalf(skeleton, mesh);
     CheckMesh(*mesh, open);
 }

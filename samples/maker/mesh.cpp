@@ -1,9 +1,11 @@
 #include "mesh.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <numeric>
 #include <utility>
 
 namespace {
@@ -52,6 +54,59 @@ void CheckSymmetric(const Mesh& mesh)
         Expect(places[{at.x, at.y, at.z}] == 1, "two vertices share a place", mesh);
         Expect(places.count({twin.x, twin.y, twin.z}) == 1, "a vertex has no twin", mesh);
     }
+}
+
+/// For each vertex a number that it shares with those that hang together with it over edges where `holds` says so.
+template <typename Holds>
+std::vector<int> Joined(const Mesh& mesh, const Holds& holds)
+{
+    std::vector<int> roots(mesh.v.size());
+    std::iota(roots.begin(), roots.end(), 0);
+    const auto rootOf = [&roots](int vertex) {
+        while (roots[static_cast<size_t>(vertex)] != vertex) {
+            vertex = roots[static_cast<size_t>(vertex)] =
+                roots[static_cast<size_t>(roots[static_cast<size_t>(vertex)])];
+        }
+        return vertex;
+    };
+    for (const Face& face : mesh.f) {
+        for (size_t k = 0; k < 3; ++k) {
+            const int a = face.v[k];
+            const int b = face.v[(k + 1) % 3];
+            if (holds(a, b)) {
+                roots[static_cast<size_t>(rootOf(a))] = rootOf(b);
+            }
+        }
+    }
+    std::vector<int> result;
+    for (int i = 0; i < static_cast<int>(roots.size()); ++i) {
+        result.push_back(rootOf(i));
+    }
+    return result;
+}
+
+std::vector<int> ShellsOf(const Mesh& mesh)
+{
+    return Joined(mesh, [](int, int) { return true; });
+}
+
+bool IsClose(V3 a, V3 b, double tolerance)
+{
+    return std::max({std::fabs(a.x - b.x), std::fabs(a.y - b.y), std::fabs(a.z - b.z)}) < tolerance;
+}
+
+/// `a`, moved away from `b` along the axis on which they are furthest apart until they are not close.
+V3 Beside(V3 a, V3 b, double tolerance)
+{
+    const V3 apart = a - b;
+    const double far = std::max({std::fabs(apart.x), std::fabs(apart.y), std::fabs(apart.z)});
+    const auto moved = [&](double at, double away) {
+        return at + (away < 0 ? -1 : 1) * (tolerance * 1.01 - std::fabs(away));
+    };
+    if (std::fabs(apart.x) == far) {
+        return {moved(a.x, apart.x), a.y, a.z};
+    }
+    return std::fabs(apart.y) == far ? V3{a.x, moved(a.y, apart.y), a.z} : V3{a.x, a.y, moved(a.z, apart.z)};
 }
 
 } // namespace
@@ -152,19 +207,98 @@ void MirrorHalf(const Skeleton& skeleton, Mesh* mesh)
     }
 }
 
-void SettleClose(double tolerance, Mesh* mesh)
+bool PartClose(double tolerance, bool inShell, int still, Mesh* mesh)
 {
-    const auto isClose = [&](V3 a, V3 b) {
-        return std::max({std::fabs(a.x - b.x), std::fabs(a.y - b.y), std::fabs(a.z - b.z)}) < tolerance;
-    };
+    constexpr int rounds = 100;
+    const std::vector<int> shells = ShellsOf(*mesh);
+    std::map<int, int> sizes;
+    for (const int shell : shells) {
+        ++sizes[shell];
+    }
+    for (const Face& face : mesh->f) {
+        if (face.material == still) {
+            sizes[shells[static_cast<size_t>(face.v[0])]] = static_cast<int>(formatLimit);
+        }
+    }
+    bool changed = false;
+    bool moved = true;
+    for (int round = 0; moved && round < rounds; ++round) {
+        moved = false;
+        for (size_t i = 0; i < mesh->v.size(); ++i) {
+            for (size_t j = i + 1; j < mesh->v.size(); ++j) {
+                const bool differ = mesh->bone[i] != mesh->bone[j] && (inShell || shells[i] != shells[j]);
+                if (differ && mesh->v[i].x > 0 && mesh->v[j].x > 0 && IsClose(mesh->v[i], mesh->v[j], tolerance)) {
+                    const bool first = sizes[shells[i]] <= sizes[shells[j]];
+                    V3& gives = mesh->v[first ? i : j];
+                    gives =
+                        Beside(gives, mesh->v[first ? j : i], tolerance * (1 + 0.05 * round)); // out of a tight place
+                    moved = changed = true;
+                }
+            }
+        }
+    }
+    return changed;
+}
+
+bool SettlePieces(Mesh* mesh)
+{
+    constexpr size_t smallPart = 8; // of the largest piece of its bone, and of its shell
+    const std::vector<int> shells = ShellsOf(*mesh);
+    const std::vector<int> pieces = Joined(
+        *mesh, [&](int a, int b) { return mesh->bone[static_cast<size_t>(a)] == mesh->bone[static_cast<size_t>(b)]; });
+    std::map<int, std::vector<size_t>> byPiece;
+    for (size_t i = 0; i < pieces.size(); ++i) {
+        byPiece[pieces[i]].push_back(i);
+    }
+    std::map<int, size_t> largest; // by bone
+    std::map<int, size_t> shellSizes;
+    for (const auto& [piece, vertices] : byPiece) {
+        size_t& size = largest[mesh->bone[vertices.front()]];
+        size = std::max(size, vertices.size());
+        shellSizes[shells[vertices.front()]] += vertices.size();
+    }
+    std::map<int, std::map<int, int>> beside; // bones beside a piece, by piece
+    for (const Face& face : mesh->f) {
+        for (size_t k = 0; k < 3; ++k) {
+            const auto a = static_cast<size_t>(face.v[k]);
+            const auto b = static_cast<size_t>(face.v[(k + 1) % 3]);
+            if (mesh->bone[a] != mesh->bone[b]) {
+                ++beside[pieces[a]][mesh->bone[b]];
+                ++beside[pieces[b]][mesh->bone[a]];
+            }
+        }
+    }
+    bool changed = false;
+    const std::vector<int> before = mesh->bone;
+    for (const auto& [piece, vertices] : byPiece) {
+        const int shell = shells[vertices.front()];
+        const bool isIsland = vertices.size() * smallPart < largest[before[vertices.front()]];
+        const bool isSmall = vertices.size() * smallPart < shellSizes[shell];
+        if (beside[piece].empty() || !isSmall || (!isIsland && vertices.size() > 2)) {
+            continue;
+        }
+        const auto most = std::max_element(beside[piece].begin(), beside[piece].end(),
+                                           [](const auto& a, const auto& b) { return a.second < b.second; });
+        for (const size_t i : vertices) {
+            mesh->bone[i] = most->first;
+        }
+        changed = true;
+    }
+    return changed;
+}
+
+bool SettleClose(double tolerance, Mesh* mesh)
+{
+    const std::vector<int> before = mesh->bone;
     for (size_t i = mesh->v.size(); i-- > 0;) {
         for (size_t last = mesh->v.size() - 1; last > i && mesh->v[i].x > 0; --last) {
-            if (mesh->v[last].x > 0 && isClose(mesh->v[i], mesh->v[last])) {
+            if (mesh->v[last].x > 0 && IsClose(mesh->v[i], mesh->v[last], tolerance)) {
                 mesh->bone[i] = mesh->bone[last];
                 break;
             }
         }
     }
+    return mesh->bone != before;
 }
 
 void CheckMesh(const Mesh& mesh, int open)
