@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -29,3 +30,15 @@ struct Finding {
 };
 
 inline constexpr size_t MostPlaces = 10000;
+
+/// The first few of some numbers: "4, 9, 27, ..." when there are more.
+[[nodiscard]] std::string FirstPlaces(const std::vector<int32_t>& numbers);
+[[nodiscard]] std::string FirstPlaces(const std::vector<int64_t>& numbers);
+
+/// A code with what stands behind it.
+struct FindingKind {
+    const char* Code = "";
+    const char* Meaning = "";
+};
+/// All codes, those of one subject together.
+[[nodiscard]] std::span<const FindingKind> FindingKinds();

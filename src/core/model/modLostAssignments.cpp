@@ -28,15 +28,6 @@ int16_t ReadJoint(std::string_view boneName)
     return joint;
 }
 
-bool EndsInNumber(std::string_view boneName)
-{
-    std::string_view end = boneName.substr(boneName.size() - std::min<size_t>(boneName.size(), 2));
-    while (!end.empty() && std::string_view(" \t\n+-.").find(end.front()) != std::string_view::npos) {
-        end.remove_prefix(1);
-    }
-    return !end.empty() && end.front() >= '0' && end.front() <= '9';
-}
-
 /// The bones as a load of the saved file will see them.
 struct LoadedBones {
     std::vector<std::string> Names;                         ///< by bone; entry 0 is not used
@@ -107,6 +98,15 @@ std::string Quoted(const std::string& name)
 }
 
 } // namespace
+
+bool EndsInNumber(std::string_view boneName)
+{
+    std::string_view end = boneName.substr(boneName.size() - std::min<size_t>(boneName.size(), 2));
+    while (!end.empty() && std::string_view(" \t\n+-.").find(end.front()) != std::string_view::npos) {
+        end.remove_prefix(1);
+    }
+    return !end.empty() && end.front() >= '0' && end.front() <= '9';
+}
 
 std::vector<LostAssignment> FindLostAssignments()
 {

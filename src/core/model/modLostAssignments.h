@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // A model file tells the bone of a vertex by a joint number and the role of a mesh by its name. What a load of the
@@ -22,6 +23,9 @@ struct LostAssignment {
     int16_t Winner = 0; ///< the bone that they will belong to, 0 for none
     int32_t Vertices = 0;
 };
+
+/// True when the last two characters of a bone's name begin a number, so that it has a joint number of its own.
+[[nodiscard]] bool EndsInNumber(std::string_view boneName);
 
 /// By mesh, then by bone.
 [[nodiscard]] std::vector<LostAssignment> FindLostAssignments();

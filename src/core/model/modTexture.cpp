@@ -56,21 +56,32 @@ int16_t FailTexture(const std::string& colorFile, const std::string& description
 
 } // namespace
 
+bool LoadMaterialTexture(const MvmMaterial& material, const std::string& folder, FolderNames* names, int16_t* texture)
+{
+    const std::string colorFile = FindMap(material.ColorMap, folder, names);
+    const std::string opacityFile = FindMap(material.OpacityMap, folder, names);
+    if (colorFile.empty()) {
+        return false;
+    }
+    *texture = LoadTexture(colorFile, opacityFile);
+    return true;
+}
+
 void LoadTextures(const std::string& path)
 {
+    if (!TexturesWanted) {
+        return;
+    }
     SetPanelText("toolhelp", "Loading textures...");
     ProgressBegin(MaterialCount());
     const std::string folder(DirectoryOf(path));
     FolderNames names;
     // Each step can let the window paint or end the load, so nothing of the scene is held across it.
     for (int32_t index = 1; index <= MaterialCount() && !StopRequested; ++index) {
-        const std::string colorFile = FindMap(Materials[index].ColorMap, folder, &names);
-        const std::string opacityFile = FindMap(Materials[index].OpacityMap, folder, &names);
-        if (!colorFile.empty()) {
-            const int16_t texture = LoadTexture(colorFile, opacityFile);
-            if (index <= MaterialCount()) {
-                Materials[index].Texture = texture;
-            }
+        const MvmMaterial material = Materials[index];
+        int16_t texture = 0;
+        if (LoadMaterialTexture(material, folder, &names, &texture) && index <= MaterialCount()) {
+            Materials[index].Texture = texture;
         }
         ProgressStep(index);
     }

@@ -15,11 +15,6 @@
 
 namespace {
 
-bool IsTargetSide(float x, bool leftToRight)
-{
-    return leftToRight ? x > 0 : x < 0;
-}
-
 /// Where a point of the source side lies on the target side.
 Place Mirrored(const Vec3& position)
 {
@@ -43,8 +38,11 @@ bool Any(const TreeNode& /*node*/)
     return true;
 }
 
-/// The partner of each bone by position, 0 for none; entry 0 is not used. Each pair goes to the Info Log.
-std::vector<int16_t> PairBones(bool leftToRight)
+using BonePair = std::pair<int32_t, int32_t>;
+
+/// The partner of each bone by position, 0 for none; entry 0 is not used. Of each pair the bone of the target side stands
+/// first in *pairs.
+std::vector<int16_t> PairBones(bool leftToRight, std::vector<BonePair>* pairs)
 {
     const int32_t count = std::min<int32_t>(BoneCount(), INT16_MAX);
     std::vector<TreeNode> sources;
@@ -64,28 +62,33 @@ std::vector<int16_t> PairBones(bool leftToRight)
             const int32_t first = Backwards(found);
             partners[static_cast<size_t>(i)] = static_cast<int16_t>(first);
             partners[static_cast<size_t>(first)] = static_cast<int16_t>(i);
-            LogLine(std::to_string(i) + " : " + std::to_string(first));
+            pairs->emplace_back(i, first);
         }
+    }
+    return partners;
+}
+
+/// MirrorBones, with the pairs that were found by position.
+std::vector<int16_t> MirrorBonesOf(const MvmMesh& mesh, bool leftToRight, std::vector<BonePair>* pairs)
+{
+    if (!IsMirroredByAliases(mesh)) {
+        return PairBones(leftToRight, pairs);
+    }
+    std::vector<int16_t> partners{0};
+    for (const MvmBone& bone : Bones) {
+        partners.push_back(std::max(bone.MirrorBone, int16_t{0}));
     }
     return partners;
 }
 
 /// The bone that each vertex gives to its mirror vertices, 0 for none; entry 0 is not used. Mirroring writes one side
 /// and reads the other, so these can be settled before.
-std::vector<int16_t> GivenBones(const MvmMesh& mesh, bool leftToRight)
+std::vector<int16_t> GivenBones(const MvmMesh& mesh, const std::vector<int16_t>& partners)
 {
-    const bool useAliasLinks = AliasesOn && HasAliasFile(mesh.Name);
-    std::vector<int16_t> partners;
-    if (!useAliasLinks) {
-        partners = PairBones(leftToRight);
-    }
     std::vector<int16_t> given(mesh.VertexBones.Items.size() + 1);
     for (int32_t j = 1; j <= mesh.VertexBones.Count(); ++j) {
         const int16_t bone = mesh.VertexBones[j];
-        if (IsValidBone(bone)) {
-            const int16_t partner = useAliasLinks ? Bones[bone].MirrorBone : partners[static_cast<size_t>(bone)];
-            given[static_cast<size_t>(j)] = std::max(partner, int16_t{0});
-        }
+        given[static_cast<size_t>(j)] = IsValidBone(bone) ? partners[static_cast<size_t>(bone)] : int16_t{0};
     }
     return given;
 }
@@ -142,7 +145,11 @@ int16_t BoneAfter(int16_t bone, const Sources& sources, const std::vector<int16_
 
 void MirrorMesh(MvmMesh* mesh, const MirrorOptions& options)
 {
-    const std::vector<int16_t> given = GivenBones(*mesh, options.LeftToRight);
+    std::vector<BonePair> pairs;
+    const std::vector<int16_t> given = GivenBones(*mesh, MirrorBonesOf(*mesh, options.LeftToRight, &pairs));
+    for (const auto& [target, source] : pairs) {
+        LogLine(std::to_string(target) + " : " + std::to_string(source));
+    }
     const Sources sources = CollectSources(*mesh, given, options);
     for (int32_t i = 1; i <= mesh->VertexBones.Count(); ++i) {
         if (IsTargetSide(mesh->Vertices[i].X, options.LeftToRight)) {
@@ -153,6 +160,22 @@ void MirrorMesh(MvmMesh* mesh, const MirrorOptions& options)
 }
 
 } // namespace
+
+bool IsMirroredByAliases(const MvmMesh& mesh)
+{
+    return AliasesOn && HasAliasFile(mesh.Name);
+}
+
+bool IsTargetSide(float x, bool leftToRight)
+{
+    return leftToRight ? x > 0 : x < 0;
+}
+
+std::vector<int16_t> MirrorBones(const MvmMesh& mesh, bool leftToRight)
+{
+    std::vector<BonePair> pairs;
+    return MirrorBonesOf(mesh, leftToRight, &pairs);
+}
 
 void MirrorWeights(const MirrorOptions& options)
 {

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
+
+#include "app/modMvmDef.h"
 
 inline constexpr float DefaultThreshold = 0.01F;
 inline float MirrorVertexThreshold = DefaultThreshold;
@@ -16,3 +19,10 @@ struct MirrorOptions {
 
 /// Carries the assignments of one side of the target mesh to the other. Bone pairs go to the Info Log.
 void MirrorWeights(const MirrorOptions& options);
+
+/// True when the side of `x` is the one that mirroring writes.
+[[nodiscard]] bool IsTargetSide(float x, bool leftToRight);
+/// True when bones of this mesh are paired by the links of its alias file, false when by their positions.
+[[nodiscard]] bool IsMirroredByAliases(const MvmMesh& mesh);
+/// For each bone the one that takes over from it when this mesh is mirrored, 0 for none; entry 0 is not used.
+[[nodiscard]] std::vector<int16_t> MirrorBones(const MvmMesh& mesh, bool leftToRight);

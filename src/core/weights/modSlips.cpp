@@ -1,56 +1,11 @@
 #include "weights/modSlips.h"
 
 #include <algorithm>
-#include <array>
 #include <map>
-#include <numeric>
 #include <utility>
 
 #include "app/modMvmDef.h"
-
-namespace {
-
-/// For each vertex the lowest one at its place; entry 0 is not used.
-std::vector<int32_t> PlacesOf(const MvmMesh& mesh)
-{
-    std::vector<int32_t> order(mesh.Vertices.Items.size());
-    std::iota(order.begin(), order.end(), 1);
-    const auto key = [&mesh](int32_t vertex) {
-        const Vec3& at = mesh.Vertices[vertex];
-        return std::array{at.X, at.Y, at.Z};
-    };
-    std::stable_sort(order.begin(), order.end(), [&](int32_t a, int32_t b) { return key(a) < key(b); });
-    std::vector<int32_t> places(order.size() + 1);
-    for (size_t i = 0; i < order.size(); ++i) {
-        const bool same = i > 0 && key(order[i - 1]) == key(order[i]);
-        places[static_cast<size_t>(order[i])] = same ? places[static_cast<size_t>(order[i - 1])] : order[i];
-    }
-    return places;
-}
-
-/// Pairs of a place and a neighbouring vertex, ordered, each once.
-std::vector<std::pair<int32_t, int32_t>> NeighboursOf(const MvmMesh& mesh, const std::vector<int32_t>& places)
-{
-    std::vector<std::pair<int32_t, int32_t>> neighbours;
-    for (const MvmFace& face : mesh.Faces) {
-        if (!FaceCornersValid(mesh, face)) {
-            continue;
-        }
-        for (const int16_t from : face.Vertex) {
-            for (const int16_t to : face.Vertex) {
-                const int32_t place = places[static_cast<size_t>(from)];
-                if (place != places[static_cast<size_t>(to)]) {
-                    neighbours.emplace_back(place, to);
-                }
-            }
-        }
-    }
-    std::sort(neighbours.begin(), neighbours.end());
-    neighbours.erase(std::unique(neighbours.begin(), neighbours.end()), neighbours.end());
-    return neighbours;
-}
-
-} // namespace
+#include "weights/modPlaces.h"
 
 std::vector<Slip> FindSlips(int16_t mesh)
 {
