@@ -1,18 +1,23 @@
-# Installation: the program and its folders lie together under lib/beastwright, with a link in bin. CPack makes the .deb.
+# Installation: the programs and their folders lie together under lib/beastwright, with links in bin. CPack makes the
+# .deb.
 
-install(TARGETS beastwright RUNTIME DESTINATION lib/beastwright)
+install(TARGETS beastwright bwrt bwrt-picture RUNTIME DESTINATION lib/beastwright)
 install(DIRECTORY assets/alias assets/presets DESTINATION lib/beastwright PATTERN ".*" EXCLUDE)
 install(DIRECTORY assets/readme/ DESTINATION lib/beastwright PATTERN ".*" EXCLUDE)
 install(DIRECTORY samples/vorrel samples/tutorial DESTINATION lib/beastwright/samples PATTERN ".*" EXCLUDE)
 
-file(CREATE_LINK ../lib/beastwright/beastwright ${CMAKE_BINARY_DIR}/packaging-link SYMBOLIC)
-install(FILES ${CMAKE_BINARY_DIR}/packaging-link DESTINATION bin RENAME beastwright)
+foreach(program beastwright bwrt)
+  file(CREATE_LINK ../lib/beastwright/${program} ${CMAKE_BINARY_DIR}/packaging-link-${program} SYMBOLIC)
+  install(FILES ${CMAKE_BINARY_DIR}/packaging-link-${program} DESTINATION bin RENAME ${program})
+endforeach()
 
 install(FILES packaging/example.beastwright.Beastwright.desktop DESTINATION share/applications)
 configure_file(packaging/example.beastwright.Beastwright.metainfo.xml.in
   ${CMAKE_BINARY_DIR}/example.beastwright.Beastwright.metainfo.xml @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/example.beastwright.Beastwright.metainfo.xml DESTINATION share/metainfo)
 install(FILES packaging/beastwright-mime.xml DESTINATION share/mime/packages RENAME beastwright.xml)
+install(FILES packaging/beastwright.thumbnailer DESTINATION share/thumbnailers)
+install(FILES packaging/bwrt.bash DESTINATION share/bash-completion/completions RENAME bwrt)
 install(FILES LICENSE DESTINATION share/doc/beastwright RENAME copyright)
 foreach(size 16 24 32 48 64 128 256)
   foreach(name apps/beastwright mimetypes/application-x-morvane-model mimetypes/application-x-beastwright-weights)
@@ -31,12 +36,13 @@ find_program(GZIP gzip)
 if(GZIP)
   configure_file(packaging/changelog.in ${CMAKE_BINARY_DIR}/changelog @ONLY)
   configure_file(packaging/beastwright.1.in ${CMAKE_BINARY_DIR}/beastwright.1 @ONLY)
-  foreach(text ${CMAKE_BINARY_DIR}/beastwright.1 ${CMAKE_SOURCE_DIR}/CHANGELOG.md ${CMAKE_BINARY_DIR}/changelog)
+  configure_file(packaging/bwrt.1.in ${CMAKE_BINARY_DIR}/bwrt.1 @ONLY)
+  foreach(text ${CMAKE_BINARY_DIR}/beastwright.1 ${CMAKE_BINARY_DIR}/bwrt.1 ${CMAKE_SOURCE_DIR}/CHANGELOG.md ${CMAKE_BINARY_DIR}/changelog)
     get_filename_component(name ${text} NAME)
     execute_process(COMMAND ${GZIP} -9nc ${text} OUTPUT_FILE ${CMAKE_BINARY_DIR}/${name}.gz COMMAND_ERROR_IS_FATAL ANY)
   endforeach()
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS CHANGELOG.md)
-  install(FILES ${CMAKE_BINARY_DIR}/beastwright.1.gz DESTINATION share/man/man1)
+  install(FILES ${CMAKE_BINARY_DIR}/beastwright.1.gz ${CMAKE_BINARY_DIR}/bwrt.1.gz DESTINATION share/man/man1)
   install(FILES ${CMAKE_BINARY_DIR}/changelog.gz DESTINATION share/doc/beastwright)
   install(FILES ${CMAKE_BINARY_DIR}/CHANGELOG.md.gz DESTINATION share/doc/beastwright RENAME NEWS.md.gz)
 endif()
@@ -51,7 +57,8 @@ set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
 and gives each vertex of its skin and of its shadow to one bone: with a click
 or a box in the view, by mirroring, swapping, re-assigning or automatic
 assignment. It saves model files and binary weights files (.wif), makes new
-normals and prints reports.")
+normals and prints reports. The program bwrt does the same from a command line,
+and checks and compares models.")
 set(CPACK_PACKAGE_HOMEPAGE_URL "https://beastwright.example/")
 set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)

@@ -2,7 +2,8 @@
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-build_packages="g++ cmake ninja-build ccache qt6-base-dev libqt6opengl6-dev libgl-dev libglu1-mesa-dev"
+build_packages="g++ cmake ninja-build ccache qt6-base-dev libqt6opengl6-dev libgl-dev libglu1-mesa-dev libegl-dev libpng-dev
+    libcli11-dev nlohmann-json3-dev"
 run_packages="libgl1-mesa-dri fonts-dejavu-core fonts-liberation"
 headless_packages="xvfb xauth openbox"
 test_packages="libgtest-dev libgmock-dev"

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "modModels.h"
+
+/// What all commands that change a model are told.
+struct EditOptions {
+    std::vector<std::string> Models{};
+    SaveTarget Save{};
+    std::string Skin{};    ///< mesh to be made the skin first; empty for what the file says
+    std::string Shadow{};  ///< the same for the shadow
+    bool OnShadow = false; ///< the shadow is edited in place of the skin
+};
+
+/// Where the changed model goes.
+void AddSaveOptions(CLI::App* command, SaveTarget* target);
+/// The options of EditOptions.
+void AddEditOptions(CLI::App* command, EditOptions* options);
+/// The models, one or more.
+void AddModels(CLI::App* command, std::vector<std::string>* models);
+
+/// Opens each model, makes the meshes the skin and the shadow that the user named, edits, and saves when `edit` gives
+/// Done. Puts one line for each model: how many vertices have another bone now. With `needsTarget` a model without the
+/// mesh to be edited is refused.
+inline bool PutsCounts = true; ///< the lines are wanted
+[[nodiscard]] ExitCode RunEdit(const EditOptions& options, bool needsTarget, const std::function<ExitCode()>& edit);

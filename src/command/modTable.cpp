@@ -1,0 +1,35 @@
+#include "modTable.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace {
+
+/// Signs that a reader sees; UTF-8 takes several bytes for one.
+size_t WidthOf(const std::string& text)
+{
+    return static_cast<size_t>(std::count_if(text.begin(), text.end(),
+                                             [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80; }));
+}
+
+} // namespace
+
+std::string TableText(const std::vector<std::vector<std::string>>& rows)
+{
+    std::vector<size_t> widths;
+    for (const auto& row : rows) {
+        widths.resize(row.size());
+        for (size_t column = 0; column < row.size(); ++column) {
+            widths[column] = std::max(widths[column], WidthOf(row[column]));
+        }
+    }
+    std::string text;
+    for (const auto& row : rows) {
+        text += row.front() + std::string(widths[0] - WidthOf(row.front()), ' ');
+        for (size_t column = 1; column < row.size(); ++column) {
+            text += std::string(2 + widths[column] - WidthOf(row[column]), ' ') + row[column];
+        }
+        text += "\n";
+    }
+    return text;
+}
