@@ -130,7 +130,7 @@ TEST_F(TextCheck, FindsNumbersThatAreReadAsOthers)
         {"v = 1,2,3,7", "no-number@3"},
         {"v = (1,2,3),6.5", "rounded@3"},
         {"v = (1,2,3),40000", "size@3"},
-        {"v = (1,1E39,3),4", "size@3"},
+        {"v = (1,1E39,3),1E400", "size@3 size@3"},
         {"v = (1,2,3) 4", "text-behind@3 no-number@3"},
         {"n = (1,2,3),4", "text-behind@3"},
         {"n = (1,2,3", "no-number@3"},
@@ -145,7 +145,7 @@ TEST_F(TextCheck, FindsNumbersThatAreReadAsOthers)
         {"f = (1,2,3),(1,2,3.5),(x,2,3),0", "rounded@3 no-number@3"},
         {"f = (1,2,3),(1,2,3),(1,2,3),0,4", "text-behind@3"},
         {"f = (1,2,3),(1,2,3),(1,2,32768),0", "size@3"},
-        {"f = (1,2,3),(1,2,3),(1,2,3),1|m = \"x\"", "face-material@3"},
+        {"m = \"x\"|f = (1,2,3),(1,2,3),(1,2,3),2|m = \"x\"", "face-material@4"},
         {"t = (0.12345678,1)", "digits@3"},
         {"t = (12345678,-0.010000001)|n=(0,0,1.2345678901234567)", "digits@3,4x3"},
         {"t = (0.0009765629,0.0009765625)", "digits@3"}, // seven digits, but of a float that has others
@@ -167,6 +167,7 @@ TEST_F(TextCheck, CountsLinesAsALoadDoes)
     EXPECT_EQ(Check("bone A\r{\r\n\r}\r\r\n// x\r\n\r\r}"), "text-between@6 stray-brace@9");
     EXPECT_EQ(Check("bone A\n{\n}\nfoo"), "line-ends@1x3");
     EXPECT_EQ(Check("bone A\r\n{\r\nx\ny\n\r\n}\r\n\n"), "line-ends@3,5x3");
+    EXPECT_EQ(Check("bone A\n{\r\nx}\r\n\nz"), "line-ends@1,3 name@1 unknown-key@2 text-between@3");
     std::string text = "mesh \"S\" {\r\n"; // every place of a line falls on the end of a piece
     std::string found;
     for (int line = 2; text.size() < 900'000; ++line) {
