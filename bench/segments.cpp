@@ -90,6 +90,7 @@ std::pair<size_t, float> MirrorPlane(const std::vector<Triple>& joints)
     double least = INFINITY;
     for (size_t axis = 0; axis < 3; ++axis) {
         std::vector<float> values;
+        values.reserve(joints.size());
         for (const Triple& joint : joints) {
             values.push_back(joint[axis]);
         }

@@ -90,6 +90,9 @@ TEST_F(AliasMaker, WhatTheBonesHaveStays)
     Bones[2].Position = {1, 0, 0};
     EXPECT_EQ(MakeAliasText(1), "Eye01;Left Eye;Hand103;Eye02;01\r\nEye02;Right Eye;Hand103;Eye01;02\r\n"
                                 "Hand103;Hand 1;;Hand103;03\r\n");
+    Bones.Add({.Name = "PawL04", .Position = {3, 0, 0}});
+    EXPECT_THAT(MakeAliasText(1), testing::StartsWith("Eye01;Right Eye;Hand103;Eye02;01\r\nEye02;Left Eye;"));
+    Bones.Items.pop_back();
     Bones[3] = {.Name = "Hand103", .Alias = "Palm", .LinkBone = 2, .MirrorBone = 1};
     EXPECT_EQ(MakeAliasText(1), "Eye01;Left Eye;;;01\r\nEye02;Right Eye;;;02\r\nHand103;Palm;Eye02;Eye01;03\r\n");
     EXPECT_EQ(MakeAliasText(0), "");

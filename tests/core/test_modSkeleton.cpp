@@ -61,6 +61,7 @@ TEST_F(Skeleton, LinksFollowNamesAndPlaces)
          {"Finger3", {0, 3, 1}, "Hand"}},
         // The first of a row is its root where no name says otherwise; without numbers the order of the bones counts.
         {{"Worm3", {0, 0, 3}, "Worm2"}, {"Worm1", {0, 0, 1}, ""}, {"Worm2", {0, 0, 2}, "Worm1"}},
+        {{"Spine1", {0, 0, 1}, "Spine2"}, {"Spine2", {0, 0, 2}, "Pelvis"}, {"Pelvis", {0, 0, 3}, ""}},
         {{"Root", {0, 0, 0}, ""}, {"Bone2", {0, 0, 2}, "Bone1"}, {"Bone1", {0, 0, 1}, "Root"}},
     };
     for (const std::vector<Given>& bones : cases) {

@@ -12,6 +12,7 @@
 #include "weights/modEdit.h"
 #include "weights/modMirror.h"
 #include "weights/modMvmXTools.h"
+#include "weights/modSegments.h"
 #include "weights/modWeights.h"
 
 namespace {
@@ -52,6 +53,7 @@ const std::pair<const char*, void (*)(int16_t)> commands[] = {
     {"unassign all", [](int16_t mesh) { UnassignAll(mesh); }},
     {"swap", [](int16_t mesh) { SwapBones(mesh, 1, 2); }},
     {"auto-assign", [](int16_t mesh) { AutoAssign(mesh); }},
+    {"auto-assign by segments", [](int16_t mesh) { AutoAssignBySegments(mesh); }},
     {"normals", [](int16_t mesh) { RegenerateNormals(mesh); }},
     {"rename", [](int16_t mesh) { RenameMesh(mesh, "another long name of mesh " + std::to_string(mesh)); }},
     {"select skin", [](int16_t mesh) { SelectSkinMesh(mesh); }},
