@@ -12,11 +12,10 @@
 #include "checks/modTextNumbers.h"
 #include "checks/modTextOutside.h"
 #include "checks/modTextUsual.h"
+#include "model/modLinePieces.h"
 #include "modFiles.h"
 
 namespace {
-
-constexpr size_t pieceSize = size_t{256} << 10; ///< of a file
 
 void CheckLine(std::string_view line, TextCheck* check)
 {
@@ -61,40 +60,16 @@ void CheckLines(std::string_view lines, TextCheck* check)
     }
 }
 
-/// How many bytes the whole lines at the start of `text` have. A CR at its end does not end a line yet: an LF may
-/// follow.
-size_t SizeOfWholeLines(std::string_view text)
-{
-    const size_t lineEnd = text.substr(0, text.empty() ? 0 : text.size() - 1).rfind('\r');
-    return lineEnd == std::string_view::npos ? 0 : lineEnd + (text[lineEnd + 1] == '\n' ? 2 : 1);
-}
-
-/// Looks at the file in pieces, so that memory does not grow with it.
 bool CheckPieces(OpenedFile* file, TextCheck* check, std::string* error)
 {
-    std::string buffer(pieceSize, '\0');
-    size_t kept = 0; // bytes at the start of the buffer that belong to a line not looked at yet
-    for (bool last = false; !last;) {
-        if (kept + 1 == buffer.size()) {
-            buffer.resize(2 * buffer.size()); // a line longer than the buffer
-        }
-        const size_t room = buffer.size() - 1 - kept;
-        size_t count = 0;
-        if (!ReadOn(file, buffer.data() + kept, room, &count, error)) {
-            return false;
-        }
-        size_t filled = kept + count;
-        last = count < room;
-        check->HasLineEnds = check->HasLineEnds || std::memchr(buffer.data(), '\r', filled) != nullptr;
-        if (last && filled > 0 && buffer[filled - 1] != '\r') {
-            buffer[filled++] = '\r'; // the end of the file ends its last line
-        }
-        const size_t whole = last ? filled : SizeOfWholeLines({buffer.data(), filled});
-        CheckLines({buffer.data(), whole}, check);
-        kept = filled - whole;
-        std::memmove(buffer.data(), buffer.data() + whole, kept);
-    }
-    return true;
+    const auto take = [&](std::string_view lines, size_t position) {
+        const bool added = position + lines.size() > file->Taken; // the CR at the end is not the file's
+        check->HasLineEnds =
+            check->HasLineEnds || lines.substr(0, lines.size() - (added ? 1 : 0)).find('\r') != std::string_view::npos;
+        CheckLines(lines, check);
+        return true;
+    };
+    return ReadInPieces(file, take, error);
 }
 
 /// What only the end of the file tells.

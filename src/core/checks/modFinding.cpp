@@ -33,6 +33,8 @@ constexpr FindingKind kinds[] = {
     {"name", "a name that the format cannot keep"},
     {"repeated-key", "a key that stands twice where one counts"},
     {"no-number", "a number that is none, or a missing one"},
+    {"size", "a number too large for the format"},
+    {"face-material", "faces whose material a load drops"},
     {"rounded", "a whole number with a fraction"},
     {"digits", "numbers of more than seven digits, which a save changes"},
     {"version", "a format version that a save changes"},

@@ -12,6 +12,7 @@
 #include "app/modGuard.h"
 #include "app/modMvmDef.h"
 #include "app/modUndo.h"
+#include "model/modLinePieces.h"
 #include "model/modMvmBind.h"
 #include "model/modMvmLines.h"
 #include "model/modStrings.h"
@@ -20,8 +21,6 @@
 #include "modTexture.h"
 
 namespace {
-
-constexpr size_t pieceSize = size_t{256} << 10; ///< of a file
 
 /// Holds LoadRunning true for its life.
 struct RunningMark {
@@ -97,45 +96,19 @@ bool ReadWholeLines(std::string_view lines, size_t position, size_t fileSize, Lo
     return true;
 }
 
-/// How many bytes the whole lines at the start of `text` have. A CR at its end does not end a line yet: an LF may
-/// follow.
-size_t SizeOfWholeLines(std::string_view text)
-{
-    const size_t lineEnd = text.substr(0, text.empty() ? 0 : text.size() - 1).rfind('\r');
-    return lineEnd == std::string_view::npos ? 0 : lineEnd + (text[lineEnd + 1] == '\n' ? 2 : 1);
-}
-
-/// Reads the file in pieces, so that memory does not grow with it. False with an empty *error when the load was stopped
-/// or a line failed.
+/// False with an empty *error when the load was stopped or a line failed.
 bool ReadLines(OpenedFile* file, Loading* loading, std::string* error)
 {
-    std::string buffer(pieceSize, '\0');
-    size_t kept = 0;     // bytes at the start of the buffer that belong to a line not read yet
-    size_t position = 0; // of the buffer in the file
-    for (bool last = false; !last;) {
-        if (kept + 1 == buffer.size()) {
-            buffer.resize(2 * buffer.size()); // a line longer than the buffer
-        }
-        const size_t room = buffer.size() - 1 - kept;
-        size_t count = 0;
-        if (!ReadOn(file, buffer.data() + kept, room, &count, error)) {
-            loading->Line = 0;
-            return false;
-        }
-        size_t filled = kept + count;
-        last = count < room;
-        if (last && filled > 0 && buffer[filled - 1] != '\r') {
-            buffer[filled++] = '\r'; // the end of the file ends its last line
-        }
-        const size_t whole = last ? filled : SizeOfWholeLines({buffer.data(), filled});
-        if (!ReadWholeLines({buffer.data(), whole}, position, file->Taken, loading)) {
-            return false;
-        }
-        kept = filled - whole;
-        position += whole;
-        std::memmove(buffer.data(), buffer.data() + whole, kept);
+    const auto take = [&](std::string_view lines, size_t position) {
+        return ReadWholeLines(lines, position, file->Taken, loading);
+    };
+    if (ReadInPieces(file, take, error)) {
+        return true;
     }
-    return true;
+    if (!error->empty()) {
+        loading->Line = 0;
+    }
+    return false;
 }
 
 /// Tells of a file that is read without a failure though it is no model, or hardly any of it was read as one.
