@@ -38,6 +38,8 @@ void RegisterFrameCases();
 /// program again as a child.
 void MeasureMemory(const std::string& self);
 void MeasureStart(const std::string& self);
+/// Time and memory of checks by the command line's program, which lies beside this one.
+void MeasureChecks();
 
 /// How far the commands that assign all vertices agree with the artists of other people's models.
 void MeasureSegments();

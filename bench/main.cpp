@@ -138,6 +138,7 @@ int RunAll(int argc, char** argv)
         const std::string self = std::filesystem::canonical("/proc/self/exe").string();
         MeasureMemory(self);
         MeasureStart(self);
+        MeasureChecks();
     }
     if (everything || benchmark::GetBenchmarkFilter() == segmentsFilter) {
         MeasureSegments();
