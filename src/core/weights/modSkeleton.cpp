@@ -269,9 +269,11 @@ double NameFactor(const Joint& child, const Joint& parent)
     return parent.Where == Part::Trunk || child.Where == Part::Trunk ? factor : factor * strange;
 }
 
-bool Opposite(const Joint& a, const Joint& b)
+/// A joint hangs on none of the other side, and one of a pair on none that stands on a side alone: pairs hang alike.
+bool MayLink(const Joint& child, const Joint& parent)
 {
-    return a.Side != b.Side && a.Side != BodySide::Middle && b.Side != BodySide::Middle;
+    return parent.Side == BodySide::Middle || child.Side == BodySide::Middle ||
+           (child.Side == parent.Side && (child.Partner == 0 || parent.Partner != 0));
 }
 
 /// How little a part is where a skeleton begins.
@@ -350,7 +352,7 @@ private:
         const double way = wayWeight * Ways[joint];
         for (Candidate& open : Open) {
             const double distance = Distance(open.At, taken.At);
-            if (distance * least + way >= open.Cost || Opposite(Tree[open.Joint], taken)) {
+            if (distance * least + way >= open.Cost || !MayLink(Tree[open.Joint], taken)) {
                 continue;
             }
             const double cost = distance * NameFactor(Tree[open.Joint], taken) * RowFactor(open.Joint, joint) + way;
