@@ -31,12 +31,12 @@ constexpr double rowElsewhere = 1.2; ///< from something else to 2
 constexpr double sideBySide = 3;     ///< from the first finger to the second
 constexpr double alongLimb = 0.7;    ///< from thigh to shin
 constexpr double faceOnHead = 0.7;
-constexpr double least = alongLimb * nextInRow;
 constexpr double backwards = 1.5;    ///< from shin to thigh
 constexpr double strange = 3;        ///< from tail to arm, from a side to the middle
 constexpr double lateOnTrunk = 4;    ///< from the trunk to a hand
 constexpr double lateElsewhere = 10; ///< from a leg to a hand
 constexpr double faceOnFace = 20;    ///< features of a face hang on the head, however near they are
+constexpr double least = alongLimb * nextInRow;
 
 enum class Part : int8_t { Unknown, Trunk, Head, Face, Tail, Arm, Leg };
 
@@ -46,7 +46,6 @@ struct PartWord {
     int Rank; ///< grows with the distance from the trunk's middle; the same where the order is open
 };
 
-// The longer of two that begin alike stands first.
 constexpr auto partWords = std::to_array<PartWord>({
     {"pelvis", Part::Trunk, 0}, {"hips", Part::Trunk, 0},  {"root", Part::Trunk, 0},   {"spine", Part::Trunk, 1},
     {"loin", Part::Trunk, 1},   {"waist", Part::Trunk, 1}, {"belly", Part::Trunk, 1},  {"back", Part::Trunk, 1},
@@ -269,9 +268,11 @@ double NameFactor(const Joint& child, const Joint& parent)
     return parent.Where == Part::Trunk || child.Where == Part::Trunk ? factor : factor * strange;
 }
 
-bool Opposite(const Joint& a, const Joint& b)
+/// A joint hangs on none of the other side, and one of a pair on none that stands on a side alone: pairs hang alike.
+bool MayLink(const Joint& child, const Joint& parent)
 {
-    return a.Side != b.Side && a.Side != BodySide::Middle && b.Side != BodySide::Middle;
+    return parent.Side == BodySide::Middle || child.Side == BodySide::Middle ||
+           (child.Side == parent.Side && (child.Partner == 0 || parent.Partner != 0));
 }
 
 /// How little a part is where a skeleton begins.
@@ -350,7 +351,7 @@ private:
         const double way = wayWeight * Ways[joint];
         for (Candidate& open : Open) {
             const double distance = Distance(open.At, taken.At);
-            if (distance * least + way >= open.Cost || Opposite(Tree[open.Joint], taken)) {
+            if (distance * least + way >= open.Cost || !MayLink(Tree[open.Joint], taken)) {
                 continue;
             }
             const double cost = distance * NameFactor(Tree[open.Joint], taken) * RowFactor(open.Joint, joint) + way;
@@ -381,9 +382,9 @@ private:
     std::vector<Candidate> Open;
 };
 
-/// Turns a tree whose root has no telling name about when more rows of one name then grow from their first bone on, by number or else by the order
-/// of the bones: the new root is the joint of the middle, nearest to the old one, from which the fewest links run
-/// against that order.
+/// Turns a tree whose root has no telling name about, when more rows of one name then grow from their first bone on, by
+/// number or else by the order of the bones: the new root is the joint nearest to the old one, with nothing but joints
+/// of the middle between them, from which the fewest links run against that order.
 void TurnByNumbers(const Joints& joints, std::vector<size_t>* links)
 {
     const auto against = [&](size_t child, size_t parent) {
@@ -404,13 +405,16 @@ void TurnByNumbers(const Joints& joints, std::vector<size_t>* links)
     }
     // By how many the links against the order change when a joint becomes the root.
     std::vector<int32_t> changes(links->size());
+    std::vector<bool> isCentral(links->size());
+    isCentral[0] = true;
     size_t best = 0;
     for (const size_t j : order) {
         const size_t link = (*links)[j];
         if (link == 0 && joints[j].Where == Part::Trunk && joints[j].Rank == 0) {
             return;
         }
-        if (link == 0 || joints[j].Side != BodySide::Middle) {
+        isCentral[j] = joints[j].Side == BodySide::Middle && isCentral[link];
+        if (link == 0 || !isCentral[j]) {
             continue;
         }
         changes[j] = changes[link] + against(link, j) - against(j, link);
