@@ -61,7 +61,7 @@ void PrintDifferences(const ModelDifferences& differences)
     std::vector<std::vector<std::string>> rows;
     const auto flush = [&] {
         if (!rows.empty()) {
-            Put("mesh \"" + mesh + "\": assignments\n" + TableText(rows));
+            Put("mesh \"" + mesh + "\": assignments\n" + TableText(2, rows));
         }
         rows.clear();
     };

@@ -45,7 +45,7 @@ void PrintProof(const std::string& model, const MirrorCommand& options, const Mi
         rows.push_back({NameOf(row.Bone), std::to_string(row.Taken), std::to_string(row.Kept), std::to_string(row.Lost),
                         std::to_string(row.Cleared)});
     }
-    Put(TableText(rows));
+    Put(TableText(1, rows));
     Put("Target vertices without a source: " + Numbers(proof.WithoutSource) + "\n");
     Put("Target vertices with several sources: " + Numbers(proof.WithSeveral) + "\n");
     Put("Target vertices whose sources disagree: " + Numbers(proof.Disagreeing) + "\n");

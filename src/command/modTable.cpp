@@ -14,7 +14,7 @@ size_t WidthOf(const std::string& text)
 
 } // namespace
 
-std::string TableText(const std::vector<std::vector<std::string>>& rows)
+std::string TableText(size_t names, const std::vector<std::vector<std::string>>& rows)
 {
     std::vector<size_t> widths;
     for (const auto& row : rows) {
@@ -25,9 +25,9 @@ std::string TableText(const std::vector<std::vector<std::string>>& rows)
     }
     std::string text;
     for (const auto& row : rows) {
-        text += row.front() + std::string(widths[0] - WidthOf(row.front()), ' ');
-        for (size_t column = 1; column < row.size(); ++column) {
-            text += std::string(2 + widths[column] - WidthOf(row[column]), ' ') + row[column];
+        for (size_t column = 0; column < row.size(); ++column) {
+            const std::string blanks(widths[column] - WidthOf(row[column]), ' ');
+            text += (column > 0 ? "  " : "") + (column < names ? row[column] + blanks : blanks + row[column]);
         }
         text += "\n";
     }
