@@ -16,14 +16,12 @@
 #include "modFileListing.h"
 #include "modJson.h"
 #include "modModels.h"
-#include "weights/modMirror.h"
 
 namespace {
 
 struct CheckOptions {
     std::vector<std::string> Models{}, Only{}, Ignored{};
     bool Strict = false, NoHints = false, AsJson = false;
-    float VertexThreshold = DefaultThreshold, BoneThreshold = DefaultThreshold;
     Json::array_t Files{}; ///< what will be printed
 };
 
@@ -204,15 +202,8 @@ void AddCheckCommand(CLI::App* program)
     command->add_flag("--strict", options->Strict, "Hints make the exit code 1 as well");
     command->add_flag("--no-hints", options->NoHints, "Leave hints out");
     command->add_flag("--json", options->AsJson, "Print JSON");
-    command->add_option("--vertex-threshold", options->VertexThreshold, "How near a vertex is to its mirror vertex")
-        ->check(CLI::PositiveNumber)
-        ->capture_default_str();
-    command->add_option("--bone-threshold", options->BoneThreshold, "How near a bone is to its mirror bone")
-        ->check(CLI::PositiveNumber)
-        ->capture_default_str();
+    AddThresholds(command);
     command->callback([options] {
-        MirrorVertexThreshold = options->VertexThreshold;
-        MirrorBoneThreshold = options->BoneThreshold;
         Outcome = ForEachModel(options->Models, [&](const std::string& model) { return Check(options.get(), model); });
         if (options->AsJson) {
             PutJson({{"files", options->Files}});

@@ -1,7 +1,10 @@
 #include "modEditing.h"
 
+#include <cmath>
+
 #include "app/modMvmDef.h"
 #include "model/modMvmBind.h"
+#include "weights/modMirror.h"
 
 namespace {
 
@@ -85,6 +88,21 @@ void AddEditOptions(CLI::App* command, EditOptions* options)
     AddSaveOptions(command, &options->Save);
     command->add_option("--skin", options->Skin, "Mesh to make the skin first: name or number");
     command->add_option("--shadow", options->Shadow, "Mesh to make the shadow first: name or number");
+}
+
+void AddThresholds(CLI::App* command)
+{
+    const auto isDistance = [](const std::string& text) {
+        float value = 0;
+        const bool good = CLI::detail::lexical_cast(text, value) && std::isfinite(value) && value > 0;
+        return good ? std::string() : "\"" + text + "\" is no distance above 0";
+    };
+    command->add_option("--vertex-threshold", MirrorVertexThreshold, "How near a vertex is to its mirror vertex")
+        ->check(isDistance)
+        ->capture_default_str();
+    command->add_option("--bone-threshold", MirrorBoneThreshold, "How near a bone is to its mirror bone")
+        ->check(isDistance)
+        ->capture_default_str();
 }
 
 ExitCode RunEdit(const EditOptions& options, bool needsTarget, const std::function<ExitCode()>& edit)

@@ -24,6 +24,9 @@ void AddEditOptions(CLI::App* command, EditOptions* options);
 /// The models, one or more.
 void AddModels(CLI::App* command, std::vector<std::string>* models);
 
+/// The tolerances of mirroring, which the command then finds in MirrorVertexThreshold and MirrorBoneThreshold.
+void AddThresholds(CLI::App* command);
+
 /// Opens each model, makes the meshes the skin and the shadow that the user named, edits, and saves when `edit` gives
 /// Done. Puts one line for each model: how many vertices have another bone now. With `needsTarget` a model without the
 /// mesh to be edited is refused.

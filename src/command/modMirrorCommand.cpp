@@ -20,7 +20,6 @@ namespace {
 struct MirrorCommand : EditOptions {
     MirrorOptions Choices{};
     bool RightToLeft = false, KeepExisting = false, Prove = false, AsJson = false;
-    float VertexThreshold = DefaultThreshold, BoneThreshold = DefaultThreshold;
     Json::array_t Files{}; ///< what has been printed so far
 };
 
@@ -102,19 +101,12 @@ void AddMirrorCommand(CLI::App* program)
                       "A vertex that has a bone keeps it (the tick Keep Existing Weights taken away)");
     command->add_flag("--unassign", options->Choices.Unassign,
                       "A vertex whose mirror vertex has no bone to give loses its own");
-    command->add_option("--vertex-threshold", options->VertexThreshold, "How near a vertex is to its mirror vertex")
-        ->check(CLI::PositiveNumber)
-        ->capture_default_str();
-    command->add_option("--bone-threshold", options->BoneThreshold, "How near a bone is to its mirror bone")
-        ->check(CLI::PositiveNumber)
-        ->capture_default_str();
+    AddThresholds(command);
     command->add_flag("--prove", options->Prove, "Print by bone what was taken, kept and lost, and what does not pair");
     command->add_flag("--json", options->AsJson, "Print the proof as JSON");
     command->callback([options] {
         options->Choices.LeftToRight = !options->RightToLeft;
         options->Choices.Reassign = !options->KeepExisting;
-        MirrorVertexThreshold = options->VertexThreshold;
-        MirrorBoneThreshold = options->BoneThreshold;
         PutsCounts = !options->AsJson;
         Outcome = RunEdit(*options, true, [&] {
             if (!options->Prove && !options->AsJson) {
