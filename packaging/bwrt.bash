@@ -24,7 +24,7 @@ _bwrt() {
         "") words="check report diff mirror auto-assign normals swap reassign unassign weights alias new picture"
             options="--help --version" ;;
         check) options="--only --ignore --strict --no-hints --json --vertex-threshold --bone-threshold" ;;
-        report) options="--only" ;;
+        report) options="--only --json" ;;
         diff) options="--json" ;;
         mirror) options="$out $meshes --on-shadow --right-to-left --only-unassigned --unassign --vertex-threshold
             --bone-threshold --prove --json" ;;

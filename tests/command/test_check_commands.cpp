@@ -135,4 +135,8 @@ TEST_F(CheckCommands, ReportsAreThoseOfTheWindowInTheOrderOfItsMenu)
         at = next + 1;
     }
     EXPECT_EQ(Run("report a.mvm --only bone-names").Output, "\nBones (1):\nA01\n");
+    const json reports = json::parse(Run("report a.mvm --json").Output).at("files").at(0).at("reports");
+    EXPECT_EQ(reports.size(), 9U);
+    EXPECT_EQ(reports.at("meshes").at(0).at("vertices"), 3);
+    EXPECT_EQ(reports.at("texture-filenames"), json({"x.bmp"}));
 }
