@@ -15,16 +15,17 @@ namespace {
 struct AliasOptions {
     std::vector<std::string> Models{};
     std::string Folder{};
+    std::string Mesh = "skin"; ///< whose file is printed
     bool Replace = false;
 };
 
-/// Writes the alias file of a mesh, or prints it when there is no folder for it.
-bool WriteAliases(const AliasOptions& options, int16_t mesh)
+/// Writes the alias file of a mesh.
+bool WriteAliases(const AliasOptions& options, const std::string& model, int16_t mesh)
 {
     const std::string text = MakeAliasText(mesh);
-    if (options.Folder.empty()) {
-        Put(Utf8FromCodePage(text));
-        return true;
+    if (text.empty()) {
+        Tell("The mesh \"" + Utf8FromCodePage(Meshes[mesh].Name) + "\" has no bones of its kind.");
+        return false;
     }
     const std::string name = Utf8FromCodePage(Meshes[mesh].Name);
     if (name.empty() || name.front() == '.' || name.find_first_of(std::string("/\\\0", 3)) != std::string::npos) {
@@ -38,6 +39,10 @@ bool WriteAliases(const AliasOptions& options, int16_t mesh)
         Tell("\"" + path + "\" is there already; --replace replaces it.");
         return false;
     }
+    if (!MayWrite(path, WrittenKind::Alias, {model})) {
+        return false;
+    }
+    FileSpokenOf = path;
     if (!SaveGuarded("alias", path, {}, [&](const PartWriter& write) { write(text); })) {
         return false;
     }
@@ -50,12 +55,18 @@ ExitCode MakeAliases(const AliasOptions& options, const std::string& model)
     if (!OpenModel(model)) {
         return ExitCode::Failed;
     }
+    if (options.Folder.empty()) {
+        const int16_t mesh = FindMesh(options.Mesh);
+        Put(mesh < 1 ? std::string() : MakeAliasText(mesh)); // the bytes of the file
+        return mesh < 1 ? ExitCode::Failed : ExitCode::Done;
+    }
     bool done = false;
     bool good = true;
     for (const int16_t mesh : {SkinMesh, ShadowMesh}) {
         if (IsValidMesh(mesh) && !(done && mesh == SkinMesh)) {
             done = true;
-            good = WriteAliases(options, mesh) && good;
+            good = WriteAliases(options, model, mesh) && good;
+            FileSpokenOf = model;
         }
     }
     if (!done) {
@@ -77,7 +88,11 @@ void AddAliasCommands(CLI::App* program)
     make->footer("Example:\n  bwrt alias make beast.mvm -o aliases");
     AddModels(make, &options->Models);
     make->add_option("-o,--output", options->Folder,
-                     "Folder for the files, which are named like the meshes; without it they are printed");
+                     "Folder for the files, which are named like the meshes; without it one is printed")
+        ->type_name("FOLDER");
+    make->add_option("--mesh", options->Mesh, "Whose file is printed: skin or shadow")
+        ->check(CLI::IsMember({"skin", "shadow"}))
+        ->capture_default_str();
     make->add_flag("--replace", options->Replace, "Replace alias files that are there");
     make->callback([options] {
         Outcome = ForEachModel(options->Models, [&](const std::string& model) { return MakeAliases(*options, model); });

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "checks/modCheckModel.h"
 #include "checks/modDifferences.h"
 #include "checks/modFinding.h"
 #include "modCommands.h"
@@ -35,11 +36,13 @@ std::string LineOf(const VertexDifference& difference)
 {
     std::string line = "mesh \"" + difference.Mesh + "\": ";
     if (!difference.ByPosition) {
-        return line + std::to_string(difference.Moved.size()) + " vertices moved, by at most " +
-               FloatToText(static_cast<float>(difference.Farthest)) + " (" + FirstPlaces(difference.Moved) + ")\n";
+        return line + Counted(static_cast<int64_t>(difference.Moved.size()), "vertex", "vertices") +
+               " moved, by at most " + FloatToText(static_cast<float>(difference.Farthest)) + " (" +
+               FirstPlaces(difference.Moved) + ")\n";
     }
     return line + "vertices " + std::to_string(difference.OldCount) + " -> " + std::to_string(difference.NewCount) +
-           "; assignments compared by place, " + std::to_string(difference.NotCompared) + " vertices are new\n";
+           "; assignments compared by place, " +
+           Counted(difference.NotCompared, "vertex is new\n", "vertices are new\n");
 }
 
 void PrintDifferences(const ModelDifferences& differences)

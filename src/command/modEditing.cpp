@@ -3,6 +3,8 @@
 #include <cmath>
 
 #include "app/modMvmDef.h"
+#include "checks/modCheckModel.h"
+#include "checks/modCheckText.h"
 #include "model/modMvmBind.h"
 #include "weights/modMirror.h"
 
@@ -39,10 +41,45 @@ bool SelectMeshes(const EditOptions& options)
     return true;
 }
 
+/// Tells of what the file has and the scene has not, since a save would not bring it back. False when that is damage and
+/// the file itself is to be replaced.
+bool KeepsEnough(const EditOptions& options, const std::string& model)
+{
+    std::vector<Finding> findings;
+    std::string error;
+    if (!CheckText(model, &findings, &error)) {
+        Tell(error);
+        return false;
+    }
+    CheckAssignments(&findings);
+    bool damaged = false;
+    int64_t dropped = 0;
+    for (const Finding& finding : findings) {
+        const std::string_view code = finding.Code;
+        if (code == "unassigned" || code == "joint-shared" || code == "joint-missing") {
+            continue; // the save writes what the file has
+        }
+        const bool isDamage = finding.Grade == Severity::Error;
+        dropped += isDamage ? 0 : 1;
+        if (isDamage && !damaged) {
+            Tell((finding.Lines.empty() ? "" : "Line " + std::to_string(finding.Lines.front()) + ": ") + finding.What);
+        }
+        damaged = damaged || isDamage;
+    }
+    if (dropped > 0) {
+        Note("The save leaves out or changes some text of the file; \"bwrt check\" tells which.");
+    }
+    if (damaged && options.Save.InPlace && !options.AcceptLosses) {
+        Tell("A save in place would make this final. Look at \"bwrt check\"; --accept-losses goes on.");
+        return false;
+    }
+    return true;
+}
+
 ExitCode EditModel(const EditOptions& options, bool needsTarget, const std::string& model,
                    const std::function<ExitCode()>& edit)
 {
-    if (!OpenModel(model) || !SelectMeshes(options)) {
+    if (!OpenModel(model) || !KeepsEnough(options, model) || !SelectMeshes(options)) {
         return ExitCode::Failed;
     }
     EditTarget = options.OnShadow ? int16_t{1} : int16_t{0};
@@ -63,7 +100,7 @@ ExitCode EditModel(const EditOptions& options, bool needsTarget, const std::stri
     for (size_t i = 0; i < before.size(); ++i) {
         changed += before[i] != after[i] ? 1 : 0;
     }
-    if (PutsCounts && LoudnessWanted != Loudness::Quiet) {
+    if (options.Done == nullptr && LoudnessWanted != Loudness::Quiet) {
         Put(model + ": " + std::to_string(changed) + (changed == 1 ? " vertex" : " vertices") + " changed\n");
     }
     return ExitCode::Done;
@@ -73,19 +110,27 @@ ExitCode EditModel(const EditOptions& options, bool needsTarget, const std::stri
 
 void AddSaveOptions(CLI::App* command, SaveTarget* target)
 {
-    auto* out = command->add_option("-o,--output", target->Out, "File to write the changed model to");
+    auto* out =
+        command->add_option("-o,--output", target->Out, "File to write the changed model to")->type_name("FILE");
     command->add_flag("--in-place", target->InPlace, "Write to the model itself")->excludes(out);
 }
 
 void AddModels(CLI::App* command, std::vector<std::string>* models)
 {
-    command->add_option("MODEL", *models, "Model files")->required();
+    command->add_option("MODEL", *models, "Model files")->required()->type_name("FILE");
+}
+
+void AddLosses(CLI::App* command, EditOptions* options)
+{
+    command->add_flag("--accept-losses", options->AcceptLosses,
+                      "Write to the model itself also where its file is damaged");
 }
 
 void AddEditOptions(CLI::App* command, EditOptions* options)
 {
     AddModels(command, &options->Models);
     AddSaveOptions(command, &options->Save);
+    AddLosses(command, options);
     command->add_option("--skin", options->Skin, "Mesh to make the skin first: name or number");
     command->add_option("--shadow", options->Shadow, "Mesh to make the shadow first: name or number");
 }
@@ -107,9 +152,14 @@ void AddThresholds(CLI::App* command)
 
 ExitCode RunEdit(const EditOptions& options, bool needsTarget, const std::function<ExitCode()>& edit)
 {
-    if (!IsUsable(options.Save, options.Models)) {
+    if (!IsUsable(options.Save, options.Models, options.Others)) {
         return ExitCode::Failed;
     }
-    return ForEachModel(options.Models,
-                        [&](const std::string& model) { return EditModel(options, needsTarget, model, edit); });
+    return ForEachModel(options.Models, [&](const std::string& model) {
+        const ExitCode code = EditModel(options, needsTarget, model, edit);
+        if (options.Done != nullptr) {
+            options.Done(code == ExitCode::Done);
+        }
+        return code;
+    });
 }

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -20,10 +21,16 @@ namespace {
 struct MirrorCommand : EditOptions {
     MirrorOptions Choices{};
     bool RightToLeft = false, KeepExisting = false, Prove = false, AsJson = false;
-    Json::array_t Files{}; ///< what has been printed so far
+    Json Proof = Json::object(); ///< of the model at work
+    Json::array_t Files{};       ///< what will be printed
 };
 
 std::string NameOf(int16_t bone)
+{
+    return bone == 0 ? "none" : Utf8FromCodePage(Bones[bone].Name);
+}
+
+std::string LabelOf(int16_t bone)
 {
     return bone == 0 ? "none" : BoneLabel(bone);
 }
@@ -41,8 +48,8 @@ void PrintProof(const std::string& model, const MirrorCommand& options, const Mi
         (proof.ByAliases ? "the alias file" : "their positions") + "\n");
     std::vector<std::vector<std::string>> rows{{"Bone", "Taken", "Kept", "Lost", "Cleared"}};
     for (const MirroredBone& row : proof.Bones) {
-        rows.push_back({NameOf(row.Bone), std::to_string(row.Taken), std::to_string(row.Kept), std::to_string(row.Lost),
-                        std::to_string(row.Cleared)});
+        rows.push_back({LabelOf(row.Bone), std::to_string(row.Taken), std::to_string(row.Kept),
+                        std::to_string(row.Lost), std::to_string(row.Cleared)});
     }
     Put(TableText(1, rows));
     Put("Target vertices without a source: " + Numbers(proof.WithoutSource) + "\n");
@@ -50,21 +57,22 @@ void PrintProof(const std::string& model, const MirrorCommand& options, const Mi
     Put("Target vertices whose sources disagree: " + Numbers(proof.Disagreeing) + "\n");
     std::string names;
     for (const int16_t bone : proof.WithoutPartner) {
-        names += (names.empty() ? "" : ", ") + NameOf(bone);
+        names += (names.empty() ? "" : ", ") + LabelOf(bone);
     }
     Put("Source bones without a partner: " + (names.empty() ? "none" : names) + "\n");
     Put("Pairs that are not mutual: " + std::string(proof.NotMutual.empty() ? "none\n" : "\n"));
     for (const auto& [bone, partner, back] : proof.NotMutual) {
-        Put("  " + NameOf(bone) + " -> " + NameOf(partner) + " -> " + NameOf(back) + "\n");
+        Put("  " + LabelOf(bone) + " -> " + LabelOf(partner) + " -> " + LabelOf(back) + "\n");
     }
 }
 
-Json JsonOf(const std::string& model, const MirrorCommand& options, const MirrorProof& proof)
+Json JsonOf(const MirrorCommand& options, const MirrorProof& proof)
 {
     Json bones = Json::array();
     for (const MirroredBone& row : proof.Bones) {
         bones.push_back({{"bone", row.Bone},
                          {"name", NameOf(row.Bone)},
+                         {"label", LabelOf(row.Bone)},
                          {"taken", row.Taken},
                          {"kept", row.Kept},
                          {"lost", row.Lost},
@@ -72,10 +80,9 @@ Json JsonOf(const std::string& model, const MirrorCommand& options, const Mirror
     }
     Json withoutPartner = Json::array();
     for (const int16_t bone : proof.WithoutPartner) {
-        withoutPartner.push_back({{"bone", bone}, {"name", NameOf(bone)}});
+        withoutPartner.push_back({{"bone", bone}, {"name", NameOf(bone)}, {"label", LabelOf(bone)}});
     }
-    return {{"file", model},
-            {"mesh", Utf8FromCodePage(Meshes[TargetMesh()].Name)},
+    return {{"mesh", Utf8FromCodePage(Meshes[TargetMesh()].Name)},
             {"direction", options.RightToLeft ? "right-to-left" : "left-to-right"},
             {"pairing", proof.ByAliases ? "alias" : "position"},
             {"bones", bones},
@@ -107,7 +114,13 @@ void AddMirrorCommand(CLI::App* program)
     command->callback([options] {
         options->Choices.LeftToRight = !options->RightToLeft;
         options->Choices.Reassign = !options->KeepExisting;
-        PutsCounts = !options->AsJson;
+        if (options->AsJson) {
+            options->Done = [options = options.get()](bool saved) {
+                Json entry{{"file", FileSpokenOf}, {"saved", saved}};
+                entry.update(std::exchange(options->Proof, Json::object()));
+                options->Files.push_back(std::move(entry));
+            };
+        }
         Outcome = RunEdit(*options, true, [&] {
             if (!options->Prove && !options->AsJson) {
                 MirrorWeights(options->Choices);
@@ -115,7 +128,7 @@ void AddMirrorCommand(CLI::App* program)
             }
             const MirrorProof proof = MirrorWithProof(options->Choices);
             if (options->AsJson) {
-                options->Files.push_back(JsonOf(FileSpokenOf, *options, proof));
+                options->Proof = JsonOf(*options, proof);
             } else {
                 PrintProof(FileSpokenOf, *options, proof);
             }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 #include <exception>
+#include <filesystem>
+#include <set>
 #include <utility>
 
 #include "app/modGuard.h"
@@ -11,6 +13,7 @@
 #include "modCodePage.h"
 #include "model/modDocument.h"
 #include "model/modMvmRead.h"
+#include "model/modStrings.h"
 #include "model/modTexture.h"
 #include "modFiles.h"
 #include "modProcess.h"
@@ -40,6 +43,68 @@ int16_t BoneCalled(const std::string& text, bool byAlias, bool shadow)
     }
     const std::vector<int16_t>& found = ofKind.empty() ? others : ofKind;
     return found.size() > 1 ? int16_t{-1} : found.empty() ? int16_t{0} : found.front();
+}
+
+const char* NameOf(WrittenKind kind)
+{
+    switch (kind) {
+    case WrittenKind::Model:
+        return "model";
+    case WrittenKind::Weights:
+        return "weights file";
+    default:
+        return "PNG picture";
+    }
+}
+
+/// Whether a plain file is empty or begins like one of this kind. A model can have anything before its first block.
+bool IsOfKind(const std::string& path, WrittenKind kind)
+{
+    if (kind == WrittenKind::Alias) {
+        return true; // anything can be one, and only --replace leads here
+    }
+    OpenedFile file;
+    std::string start(1 << 16, '\0');
+    size_t size = 0;
+    std::string error;
+    if (!OpenForReading(path, &file, &error) || !ReadOn(&file, start.data(), start.size(), &size, &error)) {
+        return false;
+    }
+    start.resize(size);
+    if (kind == WrittenKind::Weights || kind == WrittenKind::Picture) {
+        return start.empty() || start.starts_with(kind == WrittenKind::Weights ? "BWRT" : "\x89PNG");
+    }
+    const auto holds = [&](const char* keyword) { return HoldsAnyCase(start, keyword); };
+    const bool named = holds("fileinfo") || holds("bone ") || holds("mesh ") || holds("skin ") || holds("material ");
+    return start.empty() || (named && start.find('{') != std::string::npos);
+}
+
+/// While a model is saved its old content stands beside it under this name, and goes afterwards.
+bool AreSafeFromGuards(const std::vector<std::string>& written, const std::vector<std::string>& read)
+{
+    for (const std::string& out : written) {
+        for (const std::string& file : read) {
+            if (IsSameFile(out + ".old", file)) {
+                Tell("A save of \"" + out + "\" would take away \"" + file +
+                     "\", which the command reads; rename that file first.");
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+bool AreSeparate(const std::vector<std::string>& models)
+{
+    std::set<std::string> seen;
+    for (const std::string& model : models) {
+        std::error_code ignored;
+        if (!seen.insert(std::filesystem::weakly_canonical(model, ignored).string()).second) {
+            Tell("\"" + model + "\" is named twice.");
+            return false;
+        }
+    }
+    return true;
 }
 
 } // namespace
@@ -95,23 +160,40 @@ bool OpenModel(const std::string& path)
     return true;
 }
 
-bool IsAnotherFile(const std::string& out, const std::string& model)
+bool MayWrite(const std::string& out, WrittenKind kind, const std::vector<std::string>& read)
 {
-    if (IsSameFile(out, model)) {
-        Tell("\"" + out + "\" is the model itself.");
+    for (const std::string& file : read) {
+        if (IsSameFile(out, file)) {
+            Tell("\"" + out + "\" is a file that the command reads.");
+            return false;
+        }
+    }
+    FileKind found = FileKind::None;
+    std::string error;
+    if (!KindOfFile(out, &found, &error) || found != FileKind::Plain) {
+        return true; // whatever is wrong with it, the save will say so
+    }
+    if (IsReadOnly(out)) {
+        Tell("Can't overwrite file.\nFile is marked read only.");
+        return false;
+    }
+    if (!IsOfKind(out, kind)) {
+        Tell("\"" + out + "\" is there and is no " + NameOf(kind) + "; take another name, or remove it first.");
         return false;
     }
     return true;
 }
 
-bool IsUsable(const SaveTarget& target, const std::vector<std::string>& models)
+bool IsUsable(const SaveTarget& target, const std::vector<std::string>& models, const std::vector<std::string>& others)
 {
+    std::vector<std::string> read = models;
+    read.insert(read.end(), others.begin(), others.end());
+    if (target.InPlace) {
+        return AreSeparate(models) && AreSafeFromGuards(models, read);
+    }
     if (target.Out.empty() && !target.InPlace) {
         Tell("Say where to: -o FILE, or --in-place to write to the model itself.");
         return false;
-    }
-    if (target.Out.empty()) {
-        return true;
     }
     if (models.size() > 1) {
         Tell("-o takes one model. Several are changed with --in-place.");
@@ -121,13 +203,16 @@ bool IsUsable(const SaveTarget& target, const std::vector<std::string>& models)
         Tell("\"" + target.Out + "\" is the model itself; --in-place writes to it.");
         return false;
     }
-    return true;
+    return MayWrite(target.Out, WrittenKind::Model, read) && AreSafeFromGuards({target.Out}, read);
 }
 
 bool SaveModel(const std::string& model, const SaveTarget& target)
 {
+    const std::string& out = target.InPlace ? model : target.Out;
     const LogTarget before = std::exchange(LogGoesTo, LogTarget::Messages);
-    const SaveOutcome outcome = SaveModelFile(target.InPlace ? model : target.Out);
+    const std::string spokenOf = std::exchange(FileSpokenOf, out);
+    const SaveOutcome outcome = SaveModelFile(out);
+    FileSpokenOf = spokenOf;
     LogGoesTo = before;
     return outcome == SaveOutcome::Saved;
 }

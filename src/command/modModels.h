@@ -22,12 +22,15 @@ struct SaveTarget {
     std::string Out{}; ///< a file; empty for none
     bool InPlace = false;
 };
-/// Says what is wrong with the target for these models, and gives false.
-[[nodiscard]] bool IsUsable(const SaveTarget& target, const std::vector<std::string>& models);
+/// Says what is wrong with the target for these models, and gives false. `others` are files that the command reads too.
+[[nodiscard]] bool IsUsable(const SaveTarget& target, const std::vector<std::string>& models,
+                            const std::vector<std::string>& others = {});
 /// Saves the scene as the window does; assignments that the file cannot keep are told.
 [[nodiscard]] bool SaveModel(const std::string& model, const SaveTarget& target);
-/// Says that a file to be written is the model itself, and gives false.
-[[nodiscard]] bool IsAnotherFile(const std::string& out, const std::string& model);
+enum class WrittenKind { Model, Weights, Picture, Alias };
+/// Says why a file should not be written, and gives false: it is one of those that the command reads, it is read-only,
+/// or something of another kind has its name.
+[[nodiscard]] bool MayWrite(const std::string& out, WrittenKind kind, const std::vector<std::string>& read);
 
 /// Does `work` for each model, whatever becomes of the others, and gives the worst exit code. Failures and exceptions
 /// are told with the model's name.

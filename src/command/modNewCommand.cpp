@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/modMvmDef.h"
@@ -40,11 +41,13 @@ std::string PresetFile(const std::string& name)
 bool Load(const std::string& path, const char* complaint)
 {
     const int64_t lines = LogLines;
-    if (LoadMVM(path) && LogLines == lines) {
-        return true;
+    const std::string spokenOf = std::exchange(FileSpokenOf, path);
+    const bool good = LoadMVM(path) && LogLines == lines;
+    if (!good) {
+        Tell(complaint);
     }
-    Tell(complaint);
-    return false;
+    FileSpokenOf = spokenOf;
+    return good;
 }
 
 std::string MeshNames()
@@ -59,7 +62,7 @@ std::string MeshNames()
 ExitCode MakeNew(const NewOptions& options)
 {
     const std::string preset = PresetFile(options.Preset);
-    if (!IsAnotherFile(options.Save.Out, options.Model) || !IsAnotherFile(options.Save.Out, preset)) {
+    if (!IsUsable(options.Save, {options.Model}, {preset})) {
         return ExitCode::Failed;
     }
     ForgetModel();

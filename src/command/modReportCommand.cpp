@@ -122,6 +122,7 @@ struct ReportOptions {
 ExitCode WriteReports(ReportOptions* options, const std::string& model)
 {
     if (!OpenModel(model)) {
+        options->Files.push_back({{"file", model}, {"reports", nullptr}});
         return ExitCode::Failed;
     }
     Json all = Json::object();

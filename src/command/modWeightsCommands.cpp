@@ -1,5 +1,6 @@
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
@@ -25,10 +26,11 @@ ExitCode SaveModelsWeights(const WeightsOptions& options)
         Tell(options.OnShadow ? "The model has no shadow." : "The model has no skin.");
         return ExitCode::Failed;
     }
-    if (!IsAnotherFile(options.File, options.Model)) {
+    if (!MayWrite(options.File, WrittenKind::Weights, {options.Model})) {
         return ExitCode::Failed;
     }
     LogGoesTo = LogTarget::Messages;
+    FileSpokenOf = options.File;
     SaveWeights(options.File, mesh);
     LogGoesTo = LogTarget::Verbose;
     return ExitCode::Done;
@@ -42,7 +44,15 @@ ExitCode LoadModelsWeights(const WeightsOptions& options)
     const int64_t warnings = Warnings;
     const int64_t refusals = Refusals;
     LogGoesTo = LogTarget::Messages; // what cannot be assigned opens the window's log
+    const std::string model = std::exchange(FileSpokenOf, options.File);
     LoadWeights(options.File, TargetMesh());
+    int32_t records = 0;
+    int32_t told = 0;
+    if (IsCutOff(options.File, &records, &told)) {
+        Tell("The file ends after " + std::to_string(records) + " of its " + std::to_string(told) +
+             " vertices; the rest keep the bones that they have.");
+    }
+    FileSpokenOf = model;
     LogGoesTo = LogTarget::Verbose;
     return Warnings == warnings && Refusals == refusals ? ExitCode::Done : ExitCode::Failed;
 }
@@ -75,6 +85,7 @@ void AddWeightsCommands(CLI::App* program)
     load->footer("Example:\n  bwrt weights load beast.mvm beast.wif --by position --accept vertices --in-place");
     AddTarget(load, loaded.get());
     AddSaveOptions(load, &loaded->Save);
+    AddLosses(load, loaded.get());
     load->add_option("--skin", loaded->Skin, "Mesh to make the skin first: name or number");
     load->add_option("--shadow", loaded->Shadow, "Mesh to make the shadow first: name or number");
     load->add_option("--by", loaded->By, "How a record finds its vertex: index or position")
@@ -88,6 +99,7 @@ void AddWeightsCommands(CLI::App* program)
         ->check(CLI::IsMember(QuestionNames()));
     load->callback([loaded] {
         loaded->Models = {loaded->Model};
+        loaded->Others = {loaded->File};
         Outcome = RunEdit(*loaded, true, [&] { return LoadModelsWeights(*loaded); });
     });
 }

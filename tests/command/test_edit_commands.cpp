@@ -148,7 +148,8 @@ TEST_F(Commands, EachGivesTheFileOfTheWindowsCommand)
         EXPECT_TRUE(weights || wanted != before) << "the case changes nothing";
 
         std::filesystem::copy(Folder / c.Model, Folder / "in.mvm", std::filesystem::copy_options::overwrite_existing);
-        const std::string inPlace = weights ? "weights load in.mvm" + c.Words.substr(12) : c.Words + " in.mvm";
+        const std::string inPlace =
+            (weights ? "weights load in.mvm" + c.Words.substr(12) : c.Words + " in.mvm") + " --accept-losses";
         EXPECT_EQ(Run(inPlace + " --in-place --quiet").Code, 0);
         EXPECT_TRUE(Content(Folder / "in.mvm") == wanted);
     }
@@ -165,8 +166,14 @@ TEST_F(Commands, WhatCannotBeDoneIsToldAndChangesNoFile)
     PutFile(Folder / "other.wif", "no weights");
     std::filesystem::create_directory(Folder / "folder");
     std::filesystem::create_symlink("two.mvm", Folder / "link.mvm");
-    PutFile(Folder / "readonly.mvm", twoSkins);
-    std::filesystem::permissions(Folder / "readonly.mvm", std::filesystem::perms(0444));
+    PutFile(Folder / "two.mvm.old", twoSkins);
+    PutFile(Folder / "empty.bmp", "BM");
+    PutFile(Folder / "lone.mvm", CrLf("bone \"A01\"|{\n|}|"));
+    PutFile(Folder / "readonly.wif", "BWRT");
+    PutFile(Folder / "readonly.mvm", CrLf("bone \"A01\"|{|}|skin \"S\"|{|}|instance \"S\"|{| mesh = \"S\"|}|"));
+    for (const char* name : {"readonly.mvm", "readonly.wif"}) {
+        std::filesystem::permissions(Folder / name, std::filesystem::perms(0444));
+    }
     Open(Folder / "two.mvm");
     Bones.Add();
     SaveWeights(Folder / "more.wif", SkinMesh);
@@ -182,9 +189,9 @@ TEST_F(Commands, WhatCannotBeDoneIsToldAndChangesNoFile)
         {"mirror two.mvm", "bwrt: Say where to: -o FILE, or --in-place"},
         {"mirror two.mvm -o two.mvm", "\"two.mvm\" is the model itself; --in-place writes to it."},
         {"mirror two.mvm -o ./link.mvm", "is the model itself"},
-        {"mirror two.mvm -o folder", "bwrt: two.mvm: Runtime error in WriteMVM"},
-        {"mirror two.mvm -o /dev/null", "bwrt: two.mvm: Runtime error in WriteMVM"},
-        {"mirror two.mvm -o nowhere/out.mvm", "bwrt: two.mvm: Runtime error in WriteMVM"},
+        {"mirror two.mvm -o folder", "bwrt: folder: Runtime error in WriteMVM"},
+        {"mirror two.mvm -o /dev/null", "bwrt: /dev/null: Runtime error in WriteMVM"},
+        {"mirror two.mvm -o nowhere/out.mvm", "bwrt: nowhere/out.mvm: Runtime error in WriteMVM"},
         {"mirror two.mvm -o readonly.mvm", "Can't overwrite file."},
         {"mirror readonly.mvm --in-place", "File is marked read only."},
         {"mirror two.mvm -o a --in-place", "--in-place"},
@@ -207,7 +214,13 @@ TEST_F(Commands, WhatCannotBeDoneIsToldAndChangesNoFile)
         {"weights load two.mvm other.wif --by index -o a", "File is not an weight information file."},
         {"weights load two.mvm nosuch.wif --by index -o a", "Runtime error in LoadWeights"},
         {"weights load two.mvm more.wif -o a", "--by is required"},
-        {"weights save two.mvm two.mvm", "is the model itself"},
+        {"weights save two.mvm two.mvm", "\"two.mvm\" is a file that the command reads."},
+        {"weights save two.mvm lf.mvm", "\"lf.mvm\" is there and is no weights file"},
+        {"weights save two.mvm readonly.wif", "File is marked read only."},
+        {"weights load two.mvm more.wif --by index --accept bones -o more.wif", "is a file that the command reads."},
+        {"mirror two.mvm.old -o two.mvm", "would take away \"two.mvm.old\""},
+        {"mirror two.mvm ./two.mvm --in-place", "is named twice"},
+        {"mirror lone.mvm --in-place", "bwrt: lone.mvm: Line 2: Line feeds stand in the file"},
         {"weights save two.mvm folder", "Runtime error in SaveWeights"},
         {"weights save two.mvm a --on-shadow", "The model has no shadow."},
         {"new Nosuch two.mvm -o a", "Cannot load selected preset."},
@@ -219,14 +232,18 @@ TEST_F(Commands, WhatCannotBeDoneIsToldAndChangesNoFile)
         {"check two.mvm --only nonsense", "nonsense"},
         {"diff two.mvm nosuch.mvm", "bwrt: nosuch.mvm: Cannot find file"},
         {"report two.mvm >/dev/full", "The results could not be written."},
-        {"picture two.mvm two.mvm", "is the model itself"},
+        {"picture two.mvm two.mvm", "is a file that the command reads."},
+        {"picture two.mvm empty.bmp", "is no PNG picture"},
         {"picture two.mvm a --size 0x4", "The size \"0x4\" is not like"},
         {"picture two.mvm a --size 99999", "The size \"99999\" is not like"},
         {"picture two.mvm a --bone nobody", "There is no bone \"nobody\"."},
         {"picture two.mvm folder", "Runtime error in picture"},
         {"picture broken.mvm a", "Line 4"},
-        {"", "subcommand"},
-        {"nonsense", "nonsense"},
+        {"", "A command is missing."},
+        {"-x", "There is no option \"-x\"."},
+        {"nonsense", "There is no command \"nonsense\"."},
+        {"mirror --nonsense two.mvm", "nonsense"},
+        {"--help >/dev/full", "The results could not be written."},
     };
     for (const auto& [words, text] : cases) {
         SCOPED_TRACE(words);
@@ -241,11 +258,15 @@ TEST_F(Commands, OneFailureDoesNotStopTheOthers)
 {
     PutFile(Folder / "a.mvm", twoSkins);
     PutFile(Folder / "b.mvm", "");
-    PutFile(Folder / "c.mvm", twoSkins);
-    const Outcome outcome = Run("mirror a.mvm b.mvm nosuch.mvm c.mvm --in-place");
+    PutFile(Folder / "[c]", twoSkins);
+    const Outcome damaged = Run("mirror a.mvm '[c]' --in-place");
+    EXPECT_EQ(damaged.Code, 2);
+    EXPECT_THAT(damaged.Errors, HasSubstr("bwrt: a.mvm: A save in place would make this final."));
+    EXPECT_TRUE(Content(Folder / "a.mvm") == twoSkins && Content(Folder / "[c]") == twoSkins);
+    const Outcome outcome = Run("mirror a.mvm b.mvm nosuch.mvm '[c]' --in-place --accept-losses");
     EXPECT_EQ(outcome.Code, 2);
-    EXPECT_EQ(outcome.Output, "a.mvm: 1 vertex changed\nc.mvm: 1 vertex changed\n");
-    EXPECT_TRUE(Content(Folder / "a.mvm") == Content(Folder / "c.mvm") && Content(Folder / "a.mvm") != twoSkins);
+    EXPECT_EQ(outcome.Output, "a.mvm: 1 vertex changed\n./[c]: 1 vertex changed\n");
+    EXPECT_TRUE(Content(Folder / "a.mvm") == Content(Folder / "[c]") && Content(Folder / "a.mvm") != twoSkins);
     EXPECT_THAT(outcome.Errors, HasSubstr("bwrt: b.mvm: "));
     EXPECT_EQ(Run("report a.mvm | head -n 1").Errors, "") << "a reader who goes ends it silently";
     EXPECT_EQ(Run("mirror a.mvm -o q --quiet").Output, "");
@@ -269,14 +290,15 @@ TEST_F(Commands, MirrorProvesWhatItDid)
     const Outcome outcome = Run("mirror m.mvm -o out.mvm --json");
     ASSERT_EQ(outcome.Code, 0) << outcome.Errors;
     const nlohmann::json file = nlohmann::json::parse(outcome.Output).at("files").at(0);
+    EXPECT_EQ(file.at("saved"), true);
     EXPECT_EQ(file.at("pairing"), "position");
     EXPECT_EQ(file.at("withoutSource"), nlohmann::json({4}));
     EXPECT_EQ(file.at("withSeveralSources"), nlohmann::json({2}));
     EXPECT_EQ(file.at("sourcesDisagree"), nlohmann::json({2}));
-    EXPECT_EQ(file.at("bonesWithoutPartner"), nlohmann::json::parse(R"([{"bone": 3, "name": "M03"}])"));
+    EXPECT_EQ(file.at("bonesWithoutPartner"), nlohmann::json::parse(R"([{"bone": 3, "name": "M03", "label": "M03"}])"));
     EXPECT_EQ(file.at("notMutual"), nlohmann::json::array());
     const auto row = [](int bone, const char* name, int taken, int kept, int lost, int cleared) {
-        return nlohmann::json{{"bone", bone}, {"name", name}, {"taken", taken},
+        return nlohmann::json{{"bone", bone}, {"name", name}, {"label", name},     {"taken", taken},
                               {"kept", kept}, {"lost", lost}, {"cleared", cleared}};
     };
     EXPECT_EQ(file.at("bones"),

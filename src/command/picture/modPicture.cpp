@@ -120,6 +120,7 @@ bool SavePng(const std::string& path, int32_t width, int32_t height)
         return false;
     }
     bytes.resize(size);
+    FileSpokenOf = path;
     return SaveGuarded("picture", path, {}, [&bytes](const PartWriter& write) { write(bytes); });
 }
 
@@ -131,7 +132,7 @@ ExitCode Paint(const PictureOrder& order)
         Tell("The size \"" + order.Size + "\" is not like 640x480, with sides from 1 to 16384.");
         return ExitCode::Failed;
     }
-    if (!IsAnotherFile(order.Out, order.Model)) {
+    if (!MayWrite(order.Out, WrittenKind::Picture, {order.Model})) {
         return ExitCode::Failed;
     }
     std::string error;

@@ -15,6 +15,6 @@ ExitCode PaintPicture(const PictureOrder& order)
     Tell(code == notFound
              ? "A picture needs OpenGL, which this machine lacks: its libraries libOpenGL, libGLU and libEGL "
                "(on Debian and Ubuntu the packages libopengl0, libglu1-mesa, libegl1 and libgl1-mesa-dri)."
-             : "The painter \"" + painter + "\" could not do its work.");
+             : "The painter \"" + painter + "\" is missing, or was ended before it was done.");
     return ExitCode::Failed;
 }

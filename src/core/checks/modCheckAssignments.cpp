@@ -51,14 +51,15 @@ void TellOfJoint(const MvmMesh& mesh, int16_t joint, bool asShadow, Finding* fin
         finding->Code = "other-kind";
         finding->Bone = Utf8FromCodePage(Bones[other].Name);
         finding->What = who + " of " + QuotedName(Bones[other].Name) + ", which is " +
-                        (asShadow ? "no shadow bone" : "a shadow bone") +
-                        ": a load leaves them without a bone, and the next save loses the number.";
+                        (asShadow ? "no shadow bone" : "a shadow bone") + ": a load leaves " +
+                        Verb(finding->Count, "it", "them") + " without a bone, and the next save loses the number.";
     } else {
         finding->Code = "unknown-joint";
-        finding->What =
-            who + ", which no bone has: a load leaves them without a bone, and the next save loses the number.";
+        finding->What = who + ", which no bone has: a load leaves " + Verb(finding->Count, "it", "them") +
+                        " without a bone, and the next save loses the number.";
     }
-    finding->Advice = "Give them to a bone of their own kind, or give the bone that was meant this number.";
+    finding->Advice = "Give " + Verb(finding->Count, "it", "them") +
+                      " to a bone of the same kind, or give the bone that was meant this number.";
     findings->push_back(std::move(*finding));
 }
 
@@ -128,19 +129,27 @@ void CheckJoints(std::vector<Finding>* findings)
         const double joint = JointNumber(Bones[bone].Name);
         bones[{Bones[bone].IsShadow, joint}].push_back(bone);
         const bool isNumber = EndsInNumber(Bones[bone].Name);
-        if (isNumber && joint >= 0 && joint == std::floor(joint)) {
+        if (isNumber && joint != -1 && joint == std::floor(joint)) {
             continue;
         }
+        const bool takesUnassigned = isNumber && joint == -1;
         const std::string name = QuotedName(Bones[bone].Name);
-        findings->push_back({.Code = "joint-missing",
-                             .Bone = Utf8FromCodePage(Bones[bone].Name),
-                             .What = !isNumber ? "The last two characters of the bone's name " + name +
-                                                     " are no number, so it has joint number 0."
-                                     : joint < 0 ? "The bone " + name + " has joint number " + JointText(joint) +
-                                                       ", and negative numbers stand for no bone."
-                                                 : "The bone " + name + " has joint number " + JointText(joint) +
-                                                       ", and a vertex can only name a whole number.",
-                             .Advice = "Let its name end in two digits that no other bone of its kind has."});
+        Finding finding{.Code = "joint-missing", .Bone = Utf8FromCodePage(Bones[bone].Name)};
+        if (takesUnassigned) {
+            finding.Grade = Severity::Error;
+            finding.Count = CountNaming(joint, Bones[bone].IsShadow);
+            finding.What = "The bone " + name +
+                           " has the number -1, by which a file tells that a vertex has no bone: a " +
+                           "load gives it all of these, now " + Counted(finding.Count, "vertex.", "vertices.");
+        } else if (isNumber) {
+            finding.What = "The bone " + name + " has joint number " + JointText(joint) +
+                           ", and a vertex can only name a whole number.";
+        } else {
+            finding.What =
+                "The last two characters of the bone's name " + name + " are no number, so it has joint number 0.";
+        }
+        finding.Advice = "Let its name end in two digits that no other bone of its kind has.";
+        findings->push_back(std::move(finding));
     }
     for (const auto& [key, group] : bones) {
         if (group.size() < 2) {

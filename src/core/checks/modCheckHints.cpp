@@ -11,7 +11,6 @@
 #include "app/modMvmDef.h"
 #include "checks/modCheckModel.h"
 #include "modCodePage.h"
-#include "weights/modEdit.h"
 #include "weights/modMirror.h"
 #include "weights/modPlaces.h"
 #include "weights/modPointTree.h"
@@ -22,7 +21,8 @@ namespace {
 
 std::string LabelOf(int16_t bone)
 {
-    return '"' + BoneLabel(bone) + '"';
+    const MvmBone& named = Bones[bone];
+    return QuotedName(AliasesOn && !named.Alias.empty() ? named.Alias : named.Name);
 }
 
 Finding HintFor(const char* code, const MvmMesh& mesh, int16_t bone)
@@ -183,8 +183,8 @@ void CheckPieces(const Skin& skin, std::vector<Finding>* findings)
         }
         finding.What = Counted(finding.Count, "vertex", "vertices") + " of mesh " + QuotedName(skin.Mesh.Name) + " (" +
                        FirstPlaces(finding.Vertices) + ") " + (finding.Count == 1 ? "belongs" : "belong") + " to " +
-                       LabelOf(bone) + " but lie apart from the rest of it, most beside " +
-                       LabelOf(MostOf(piece.Beside)) + ".";
+                       LabelOf(bone) + " but " + Verb(finding.Count, "lies", "lie") +
+                       " apart from the rest of it, most beside " + LabelOf(MostOf(piece.Beside)) + ".";
         finding.Advice = "Give them to the bone beside them unless this is meant.";
         findings->push_back(std::move(finding));
     }
@@ -195,9 +195,14 @@ void CheckSides(const Skin& skin, std::vector<Finding>* findings)
     const MvmMesh& mesh = skin.Mesh;
     const std::vector<int16_t> partners = MirrorPartners(skin.Index == ShadowMesh, MirrorBoneThreshold);
     std::vector<TreeNode> nodes;
+    // Of the vertices of one bone at one place, one speaks for all.
+    std::set<std::pair<int32_t, int16_t>> seen;
     for (int32_t vertex = 1; vertex <= mesh.VertexCount(); ++vertex) {
         const Vec3& at = mesh.Vertices[vertex];
-        nodes.push_back({.At = {-at.X, at.Y, at.Z}, .Index = vertex});
+        const int16_t bone = mesh.VertexBones[vertex];
+        if (IsValidBone(bone) && seen.insert({skin.Places[static_cast<size_t>(vertex)], bone}).second) {
+            nodes.push_back({.At = {-at.X, at.Y, at.Z}, .Index = bone});
+        }
     }
     const PointTree tree = BuildPointTree(std::move(nodes));
     std::map<std::pair<int16_t, int16_t>, Finding> lopsided; // by bone and the bone of the other side
@@ -209,16 +214,11 @@ void CheckSides(const Skin& skin, std::vector<Finding>* findings)
         if (partner == 0 || !(std::fabs(at.X) >= MirrorVertexThreshold)) {
             continue;
         }
-        bool agrees = false;
-        int16_t other = 0;
-        const auto visit = [&](const TreeNode& image) {
-            const int16_t its = mesh.VertexBones[image.Index];
-            agrees = agrees || its == partner;
-            other = its != 0 ? its : other;
-            return false; // so that the search goes on to the next one
-        };
-        static_cast<void>(HighestInside(tree, BoxAround(PlaceOf(at), MirrorVertexThreshold), visit));
-        if (!agrees && IsValidBone(other)) {
+        const OpenBox box = BoxAround(PlaceOf(at), MirrorVertexThreshold);
+        const auto other =
+            static_cast<int16_t>(HighestInside(tree, box, [](const TreeNode& /*image*/) { return true; }));
+        const auto agrees = [partner](const TreeNode& image) { return image.Index == partner; };
+        if (other != 0 && other != partner && HighestInside(tree, box, agrees) == 0) {
             Finding& finding = lopsided.try_emplace({bone, other}, HintFor("lopsided", mesh, bone)).first->second;
             AddPlace(vertex, &finding.Vertices, &finding);
         }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "checks/modFinding.h"
@@ -18,7 +19,12 @@ void CheckHints(std::vector<Finding>* findings);
 
 /// `count` with the word in its right form.
 [[nodiscard]] std::string Counted(int64_t count, const char* one, const char* several);
-/// The name of a record, UTF-8, in double quotes.
+/// The form of a verb for that many.
+[[nodiscard]] inline std::string Verb(int64_t count, const char* one, const char* several)
+{
+    return count == 1 ? one : several;
+}
+/// The name of a record, UTF-8, in double quotes; control characters become "?".
 [[nodiscard]] std::string QuotedName(const std::string& name);
 /// Adds one to a finding's count, and the number to a list of places while there is room.
 template <typename Number>

@@ -160,5 +160,8 @@ std::string Counted(int64_t count, const char* one, const char* several)
 
 std::string QuotedName(const std::string& name)
 {
-    return '"' + Utf8FromCodePage(name) + '"';
+    std::string shown = name;
+    std::replace_if(
+        shown.begin(), shown.end(), [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; }, '?');
+    return '"' + Utf8FromCodePage(shown) + '"';
 }

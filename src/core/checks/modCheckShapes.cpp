@@ -96,14 +96,16 @@ void CheckFaces(const MvmMesh& mesh, std::vector<Finding>* findings)
         }
     }
     const std::string of = " of mesh " + QuotedName(mesh.Name);
-    wrong.What = Counted(wrong.Count, "face", "faces") + of + " (" + FirstPlaces(wrong.Faces) +
-                 ") name vertices, texture coordinates, normals or materials that the mesh does not have.";
+    wrong.What = Counted(wrong.Count, "face", "faces") + of + " (" + FirstPlaces(wrong.Faces) + ") " +
+                 Verb(wrong.Count, "names", "name") +
+                 " vertices, texture coordinates, normals or materials that the mesh does not have.";
     wrong.Advice = "Export the mesh anew, or take these faces out.";
-    degenerate.What = Counted(degenerate.Count, "face", "faces") + of + " (" + FirstPlaces(degenerate.Faces) +
-                      ") have no area: two corners are one, or all three lie on a line.";
-    degenerate.Advice = "Take them out in the modelling program; they only cost time and spoil normals.";
-    unused.What = Counted(unused.Count, "vertex", "vertices") + of + " (" + FirstPlaces(unused.Vertices) +
-                  ") belong to no face and are never seen.";
+    degenerate.What = Counted(degenerate.Count, "face", "faces") + of + " (" + FirstPlaces(degenerate.Faces) + ") " +
+                      Verb(degenerate.Count, "has", "have") +
+                      " no area: two corners are one, or all three lie on a line.";
+    degenerate.Advice = "Take such faces out in the modelling program; they only cost time and spoil normals.";
+    unused.What = Counted(unused.Count, "vertex", "vertices") + of + " (" + FirstPlaces(unused.Vertices) + ") " +
+                  Verb(unused.Count, "belongs to no face and is", "belong to no face and are") + " never seen.";
     unused.Advice = "Take loose vertices out in the modelling program before bones are assigned.";
     Push(&wrong, findings);
     Push(&degenerate, findings);
@@ -133,7 +135,8 @@ void CheckNormals(const MvmMesh& mesh, std::vector<Finding>* findings)
         }
     }
     finding.What = Counted(finding.Count, "normal", "normals") + " of mesh " + QuotedName(mesh.Name) + " (" +
-                   FirstPlaces(numbers) + ") are not of length 1, so light shades their faces wrong.";
+                   FirstPlaces(numbers) + ") " + Verb(finding.Count, "is", "are") +
+                   " not of length 1, so light shades their faces wrong.";
     finding.Advice = advice;
     Push(&finding, findings);
 }

@@ -79,13 +79,13 @@ double SquareDistance(const Point& place, const Segment& segment)
 /// Puts joints and links together; the joints by bone number, those that are not to be used not finite.
 class Skeleton {
 public:
-    explicit Skeleton(const std::vector<int16_t>& links) : Joints(links.size(), {NAN, NAN, NAN})
+    Skeleton(const std::vector<int16_t>& links, bool shadow) : Joints(links.size(), {NAN, NAN, NAN})
     {
         double low = 0;
         double high = 0;
         for (size_t b = 1; b < links.size(); ++b) {
             const MvmBone& bone = Bones[static_cast<int32_t>(b)];
-            if (!bone.IsShadow) {
+            if (bone.IsShadow == shadow) {
                 Joints[b] = PointOf(JointInSkin(bone));
                 low = std::min(low, Joints[b][0]);
                 high = std::max(high, Joints[b][0]);
@@ -219,7 +219,8 @@ void AutoAssignBySegments(int16_t mesh)
     if (!MayAssign(mesh)) {
         return;
     }
-    const Skeleton skeleton(LinksOf(false));
+    const bool shadow = mesh == ShadowMesh && mesh != SkinMesh;
+    const Skeleton skeleton(LinksOf(shadow), shadow);
     MvmMesh& skin = Meshes[mesh];
     Touch(ScenePart::Assignments, mesh);
     for (int32_t v = 1; v <= skin.VertexBones.Count(); ++v) {

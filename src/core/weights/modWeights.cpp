@@ -228,6 +228,18 @@ void SaveWeights(const std::string& file, int16_t mesh)
     }
 }
 
+bool IsCutOff(const std::string& file, int32_t* records, int32_t* told)
+{
+    std::string bytes;
+    std::string error;
+    if (!ReadWhole(file, &bytes, &error) || bytes.size() < headerSize) {
+        return false;
+    }
+    *told = LittleEndian<int32_t>(bytes, vertexCountAt);
+    *records = static_cast<int32_t>((bytes.size() - headerSize) / recordSize);
+    return *records < *told;
+}
+
 void LoadWeights(const std::string& file, int16_t mesh)
 {
     if (IsValidMesh(mesh)) {

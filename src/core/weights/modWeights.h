@@ -19,3 +19,5 @@ void AssignByPosition(const std::vector<WeightsVertex>& records, MvmMesh* mesh);
 void SaveWeights(const std::string& file, int16_t mesh);
 /// Reads a weights file into a valid mesh after the questions that it raises. Ends with Redraw.
 void LoadWeights(const std::string& file, int16_t mesh);
+/// True when a weights file holds fewer whole records than its header tells.
+[[nodiscard]] bool IsCutOff(const std::string& file, int32_t* records, int32_t* told);
