@@ -129,7 +129,8 @@ std::string DescribeLoss(const LostAssignment& loss)
         return count + ofMesh +
                " will have no bone after the next load of the model: the mesh is neither skin nor shadow.";
     }
-    const std::string from = loss.Bone == 0 ? loss.Vertices == 1 ? " that has no bone" : " that have no bone" : " of bone " + Quoted(Bones[loss.Bone].Name);
+    const std::string from = loss.Bone == 0 ? loss.Vertices == 1 ? " that has no bone" : " that have no bone"
+                                            : " of bone " + Quoted(Bones[loss.Bone].Name);
     const std::string to = loss.Winner == 0 ? "have none" : "belong to bone " + Quoted(Bones[loss.Winner].Name);
     std::string why;
     switch (loss.Reason) {
