@@ -16,7 +16,7 @@ _bwrt() {
         esac
     done
     local common="--help --quiet --verbose --no-aliases"
-    local out="-o --output --in-place"
+    local out="-o --output --in-place --accept-losses"
     local meshes="--skin --shadow"
     local flags="wireframe grid textures lighting backfaces isolines normals cull-vertices anti-aliasing filtering"
     local options= words=
@@ -41,7 +41,7 @@ _bwrt() {
             esac ;;
         alias)
             case $inner in
-                make) options="-o --output --replace" ;;
+                make) options="-o --output --mesh --replace" ;;
                 *) words="make" ;;
             esac ;;
         new) options="-o --output --skin" ;;

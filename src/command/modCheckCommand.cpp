@@ -188,16 +188,18 @@ void AddCheckCommand(CLI::App* program)
     for (const FindingKind& kind : FindingKinds()) {
         codes.emplace_back(kind.Code);
     }
-    const CLI::IsMember known(codes);
+    const CLI::Validator known = CLI::Validator(CLI::IsMember(codes)).description("");
     command->add_option("--only", options->Only, "Findings with this code alone; can be given more than once")
         ->take_all()
         ->allow_extra_args(false)
         ->delimiter(',')
+        ->type_name("CODE")
         ->check(known);
     command->add_option("--ignore", options->Ignored, "No findings with this code; can be given more than once")
         ->take_all()
         ->allow_extra_args(false)
         ->delimiter(',')
+        ->type_name("CODE")
         ->check(known);
     command->add_flag("--strict", options->Strict, "Hints make the exit code 1 as well");
     command->add_flag("--no-hints", options->NoHints, "Leave hints out");
