@@ -175,11 +175,5 @@ ExitCode Paint(const PictureOrder& order)
 
 ExitCode PaintPicture(const PictureOrder& order)
 {
-    const ExitCode code = ForEachModel({order.Model}, [&](const std::string&) { return Paint(order); });
-    if (GLContext) {
-        FreeTextures();
-        ShutdownOpenGL();
-    }
-    FreeOffscreenContext();
-    return code;
+    return ForEachModel({order.Model}, [&](const std::string&) { return Paint(order); });
 }

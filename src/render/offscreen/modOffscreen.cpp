@@ -99,14 +99,3 @@ std::vector<uint8_t> ReadOffscreenPixels(int32_t width, int32_t height)
     }
     return pixels;
 }
-
-void FreeOffscreenContext()
-{
-    if (display != EGL_NO_DISPLAY) {
-        eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-        eglDestroyContext(display, context);
-        eglTerminate(display);
-    }
-    display = EGL_NO_DISPLAY;
-    context = EGL_NO_CONTEXT;
-}
