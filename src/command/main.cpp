@@ -8,6 +8,7 @@
 
 #include "app/modGuard.h"
 #include "app/modVersion.h"
+#include "modCommandLine.h"
 #include "modCommands.h"
 #include "model/modTexture.h"
 #include "modModels.h"
@@ -69,7 +70,7 @@ void TellOfMistake(const CLI::App& program, const std::string& words)
                : "There is no command \"" + *command + "\".\nTry \"bwrt --help\".");
 }
 
-ExitCode RunCommandLine(int argc, char** argv)
+ExitCode RunCommandLine()
 {
     CLI::App program(std::string(ProgramTitle) + ": bone assignments of creature models, from the command line",
                      "bwrt");
@@ -80,6 +81,7 @@ ExitCode RunCommandLine(int argc, char** argv)
     program.get_formatter()->label("Subcommands", "Commands");
     program.get_formatter()->label("TEXT", "WORD");
     program.get_formatter()->label("FLOAT", "NUMBER");
+    program.allow_windows_style_options(false); // a path may begin with a slash
     program.fallthrough();
     program.footer("bwrt COMMAND --help tells more of each command, with an example. The options above go with each.\n"
                    "Exit codes: 0 done or clean, 1 findings or differences, 2 could not be done.");
@@ -104,7 +106,6 @@ ExitCode RunCommandLine(int argc, char** argv)
     AddWeightsCommands(&program);
     AddNewCommand(&program);
     AddPictureCommand(&program);
-    ProgramArguments.assign(argv + (argc > 0 ? 1 : 0), argv + argc);
     std::vector<std::string> words = WithPlainNames(program);
     std::reverse(words.begin(), words.end()); // as the library takes them
     try {
@@ -128,7 +129,9 @@ int main(int argc, char** argv)
 {
     ExitCode code = ExitCode::Failed;
     try {
-        code = RunCommandLine(argc, argv);
+        PrepareOutput();
+        ProgramArguments = CommandLineArguments(argc, argv);
+        code = RunCommandLine();
     } catch (const std::exception& exception) {
         Tell(WordsOf(exception));
     }

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
 
-// Files, by paths in the file system's encoding. Functions that can fail give false and put the system's words into
-// *error.
+// Files, by paths in the file system's encoding, which on Windows is UTF-8 for all of the program. Functions that can
+// fail give false and put the system's words into *error.
 
 enum class FileKind { None, Plain, Folder, Other };
 /// What stands at a path; links are followed. Only a name that is not there gives None: it fails when the system cannot
@@ -18,11 +19,16 @@ bool KindOfFile(const std::string& path, FileKind* kind, std::string* error);
 /// True when something of that name exists and its owner may not write it, or this user may not.
 [[nodiscard]] bool IsReadOnly(const std::string& path);
 
+/// Where the name begins behind the last separator of the system.
+[[nodiscard]] size_t NameStart(const std::string& path);
+/// True for a path that listings leave out, whether something stands there or not.
+[[nodiscard]] bool IsHidden(const std::string& path);
+
 /// A plain file of less than 2 GB that is read from its start on. Closed with the end of its life.
 struct OpenedFile {
-    int Descriptor = -1;
-    size_t Expected = 0; ///< its length in bytes when it was opened
-    size_t Taken = 0;    ///< bytes read so far
+    std::intptr_t Descriptor = -1; ///< the system's number for it
+    size_t Expected = 0;           ///< its length in bytes when it was opened
+    size_t Taken = 0;              ///< bytes read so far
 
     OpenedFile() = default;
     ~OpenedFile();
@@ -56,6 +62,9 @@ struct SaveRest {
 /// folder for temporary files.
 bool SaveWhole(const std::string& path, const std::string& guard, const PartMaker& make, SaveRest* rest,
                std::string* error);
+
+/// The folder for temporary files, with a separator at its end.
+[[nodiscard]] std::string TemporaryFolder();
 
 /// The folder that holds the program, found through links, without a separator at its end.
 [[nodiscard]] std::string ProgramFolder();
