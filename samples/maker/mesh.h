@@ -44,12 +44,12 @@ void MirrorHalf(const Skeleton& skeleton, Mesh* mesh);
 bool SettleClose(double tolerance, Mesh* mesh);
 
 /// Moves close vertices of different bones apart until mirroring can tell them from each other: those of different
-/// shells (an ear on the head), the smaller one's away from the larger one's, and with `inShell` also those of one shell.
-/// Shells of the material `still` stay as they are. True when that changed anything.
+/// shells (an ear on the head), the smaller one's away from the larger one's, and with `inShell` also those of one
+/// shell. Shells of the material `still` stay as they are. True when that changed anything.
 bool PartClose(double tolerance, bool inShell, int still, Mesh* mesh);
 
-/// Small pieces of a bone's vertices, apart from the rest of it in one shell, go over to the bone beside them. True when
-/// that changed anything.
+/// Small pieces of a bone's vertices, apart from the rest of it in one shell, go over to the bone beside them. True
+/// when that changed anything.
 bool SettlePieces(Mesh* mesh);
 
 /// Stops the program with a message unless the faces of all materials but `open` form closed, consistently wound

@@ -41,8 +41,8 @@ bool SelectMeshes(const EditOptions& options)
     return true;
 }
 
-/// Tells of what the file has and the scene has not, since a save would not bring it back. False when that is damage and
-/// the file itself is to be replaced.
+/// Tells of what the file has and the scene has not, since a save would not bring it back. False when that is damage
+/// and the file itself is to be replaced.
 bool KeepsEnough(const EditOptions& options, const std::string& model)
 {
     std::vector<Finding> findings;

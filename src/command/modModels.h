@@ -7,8 +7,8 @@
 
 #include "modTerminal.h"
 
-// Models as the commands take them: opened one after another into the scene, saved, their bones and meshes found by what
-// a user calls them.
+// Models as the commands take them: opened one after another into the scene, saved, their bones and meshes found by
+// what a user calls them.
 
 /// Opens a model as the window does, with its aliases where AliasesWanted; without pictures unless TexturesWanted. Says
 /// what is wrong and gives false when it could not be read whole, or when it holds no model.

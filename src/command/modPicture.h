@@ -20,7 +20,7 @@ struct PictureOrder {
 /// Names of what can be shown and hidden.
 [[nodiscard]] std::vector<std::string> ViewFlagNames();
 
-/// Paints the picture into its file. Two programs implement it: bwrt-picture, which holds OpenGL, and bwrt, which starts
-/// that one with its own arguments.
+/// Paints the picture into its file. Two programs implement it: bwrt-picture, which holds OpenGL, and bwrt, which
+/// starts that one with its own arguments.
 [[nodiscard]] ExitCode PaintPicture(const PictureOrder& order);
 inline std::vector<std::string> ProgramArguments; ///< without the program's name

@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
-// A line ends at a CR, which is part of nothing that is looked for here: no step goes beyond it. Each function gives the
-// end of what it took at `at`, nullptr when something else stands there.
+// A line ends at a CR, which is part of nothing that is looked for here: no step goes beyond it. Each function gives
+// the end of what it took at `at`, nullptr when something else stands there.
 
 namespace {
 

@@ -8,9 +8,9 @@
 
 inline bool TexturesWanted = true; ///< a load of a model takes its pictures too
 
-/// Makes a texture from the maps of a material, looked for in `folder` too, which ends with a separator. *texture is its
-/// number, 0 for one that cannot be used; false when there is no colour map to be found. Problems go to the Info Log.
-/// `names` is empty for the first question about a folder.
+/// Makes a texture from the maps of a material, looked for in `folder` too, which ends with a separator. *texture is
+/// its number, 0 for one that cannot be used; false when there is no colour map to be found. Problems go to the Info
+/// Log. `names` is empty for the first question about a folder.
 bool LoadMaterialTexture(const MvmMaterial& material, const std::string& folder, FolderNames* names, int16_t* texture);
 /// Loads the textures of all materials into the texture table. `path` is the model file or its folder with a separator
 /// at its end. Problems go to the Info Log.

@@ -40,8 +40,8 @@ bool Any(const TreeNode& /*node*/)
 
 using BonePair = std::pair<int32_t, int32_t>;
 
-/// The partner of each bone by position, 0 for none; entry 0 is not used. Of each pair the bone of the target side stands
-/// first in *pairs.
+/// The partner of each bone by position, 0 for none; entry 0 is not used. Of each pair the bone of the target side
+/// stands first in *pairs.
 std::vector<int16_t> PairBones(bool leftToRight, std::vector<BonePair>* pairs)
 {
     const int32_t count = std::min<int32_t>(BoneCount(), INT16_MAX);
