@@ -42,6 +42,7 @@ void PutError(const std::string& text)
 std::vector<std::string> QuestionNames()
 {
     std::vector<std::string> names;
+    names.reserve(questions.size());
     for (const auto& [name, beginning] : questions) {
         names.emplace_back(name);
     }
@@ -105,14 +106,12 @@ void ShowMessage(BoxIcon icon, const std::string& text)
     }
     WasStopped = WasStopped || icon == BoxIcon::Stop;
     Warnings += icon == BoxIcon::Warning ? 1 : 0;
-    if (icon == BoxIcon::Stop) {
-        Tell(text);
-    } else if (LogGoesTo == LogTarget::Kept) {
+    if (icon != BoxIcon::Stop && LogGoesTo == LogTarget::Kept) {
         KeptLog.push_back(text);
-    } else if (icon == BoxIcon::Warning) {
-        Tell(text);
-    } else {
+    } else if (icon == BoxIcon::Information) {
         Note(text);
+    } else {
+        Tell(text);
     }
 }
 

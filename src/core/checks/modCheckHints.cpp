@@ -129,6 +129,7 @@ std::vector<Piece> PiecesOf(const Skin& skin, std::map<int32_t, size_t>* shellSi
         });
     }
     std::vector<Piece> result;
+    result.reserve(byRoot.size());
     for (auto& [root, piece] : byRoot) {
         result.push_back(std::move(piece));
     }

@@ -5,7 +5,6 @@
 #include <bit>
 #include <cmath>
 #include <cstddef>
-#include <cstring>
 #include <map>
 #include <utility>
 
@@ -32,7 +31,7 @@ std::map<Key, int32_t> NumbersByKey(const Array1<Record>& records)
 /// Equal bit for bit, but for the sign of zero: files do not tell it.
 bool Same(float a, float b)
 {
-    return a == b || std::memcmp(&a, &b, sizeof a) == 0;
+    return a == b || std::bit_cast<uint32_t>(a) == std::bit_cast<uint32_t>(b);
 }
 
 bool Same(const Vec3& a, const Vec3& b)
