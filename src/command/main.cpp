@@ -1,9 +1,11 @@
 #include <algorithm>
 #include <exception>
 #include <string>
+#include <vector>
 
 #include "app/modGuard.h"
 #include "app/modVersion.h"
+#include "modCommandLine.h"
 #include "modCommands.h"
 #include "model/modTexture.h"
 #include "modModels.h"
@@ -11,12 +13,13 @@
 
 namespace {
 
-ExitCode RunCommandLine(int argc, char** argv)
+ExitCode RunCommandLine()
 {
     CLI::App program(std::string(ProgramTitle) + ": bone assignments of creature models, from the command line",
                      "bwrt");
     program.set_version_flag("--version", VersionText);
     program.require_subcommand(1);
+    program.allow_windows_style_options(false); // a path may begin with a slash
     program.fallthrough();
     program.footer("bwrt COMMAND --help tells more of each command, with an example.\n"
                    "Exit codes: 0 done or clean, 1 findings or differences, 2 could not be done.");
@@ -41,9 +44,8 @@ ExitCode RunCommandLine(int argc, char** argv)
     AddWeightsCommands(&program);
     AddNewCommand(&program);
     AddPictureCommand(&program);
-    ProgramArguments.assign(argv + (argc > 0 ? 1 : 0), argv + argc);
     try {
-        program.parse(argc, argv);
+        program.parse(std::vector<std::string>(ProgramArguments.rbegin(), ProgramArguments.rend()));
         return Outcome;
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) {
@@ -68,7 +70,9 @@ int main(int argc, char** argv)
 {
     ExitCode code = ExitCode::Failed;
     try {
-        code = RunCommandLine(argc, argv);
+        PrepareOutput();
+        ProgramArguments = CommandLineArguments(argc, argv);
+        code = RunCommandLine();
     } catch (const std::exception& exception) {
         Tell(WordsOf(exception));
     }

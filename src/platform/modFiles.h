@@ -1,11 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
 
-// Files, by paths in the file system's encoding. Functions that can fail give false and put the system's words into
+// Files, by paths in the file system's encoding, which on Windows is UTF-8 for all of the program. Functions that can fail give false and put the system's words into
 // *error.
 
 enum class FileKind { None, Plain, Folder, Other };
@@ -18,11 +19,16 @@ bool KindOfFile(const std::string& path, FileKind* kind, std::string* error);
 /// True when something of that name exists and its owner may not write it, or this user may not.
 [[nodiscard]] bool IsReadOnly(const std::string& path);
 
+/// Where the name begins behind the last separator of the system.
+[[nodiscard]] size_t NameStart(const std::string& path);
+/// True for a path that listings leave out, whether something stands there or not.
+[[nodiscard]] bool IsHidden(const std::string& path);
+
 /// A plain file of less than 2 GB that is read from its start on. Closed with the end of its life.
 struct OpenedFile {
-    int Descriptor = -1;
-    size_t Expected = 0; ///< its length in bytes when it was opened
-    size_t Taken = 0;    ///< bytes read so far
+    std::intptr_t Descriptor = -1; ///< the system's number for it
+    size_t Expected = 0;           ///< its length in bytes when it was opened
+    size_t Taken = 0;              ///< bytes read so far
 
     OpenedFile() = default;
     ~OpenedFile();

@@ -6,7 +6,12 @@
 ExitCode PaintPicture(const PictureOrder& order)
 {
     constexpr int notFound = 127;
-    const std::string painter = ProgramFolder() + "/bwrt-picture";
+    const std::string painter = ProgramFile(ProgramFolder() + "/bwrt-picture");
+    if (!IsPlainFile(painter)) {
+        FileSpokenOf = order.Model;
+        Tell("This build of bwrt paints no pictures: there is no \"" + painter + "\".");
+        return ExitCode::Failed;
+    }
     const int code = RunProgram(painter, ProgramArguments);
     if (code >= 0 && code < notFound) {
         return static_cast<ExitCode>(code);

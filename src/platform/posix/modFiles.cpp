@@ -1,9 +1,7 @@
 #include "modFiles.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <limits>
-#include <utility>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -55,10 +53,20 @@ bool IsReadOnly(const std::string& path)
     return Status(path, &status) && ((status.st_mode & S_IWUSR) == 0 || access(path.c_str(), W_OK) != 0);
 }
 
+size_t NameStart(const std::string& path)
+{
+    return path.rfind('/') + 1; // 0 where there is none
+}
+
+bool IsHidden(const std::string& path)
+{
+    return path.substr(NameStart(path)).starts_with('.');
+}
+
 OpenedFile::~OpenedFile()
 {
     if (Descriptor >= 0) {
-        (void)close(Descriptor); // nothing was written, so nothing can be lost here
+        (void)close(static_cast<int>(Descriptor)); // nothing was written, so nothing can be lost here
     }
 }
 
@@ -75,8 +83,9 @@ bool OpenForReading(const std::string& path, OpenedFile* file, std::string* erro
     if (!S_ISREG(status.st_mode)) {
         return FailKind(status.st_mode, error);
     }
-    file->Descriptor = StepOpenRead(path);
-    if (file->Descriptor < 0 || fstat(file->Descriptor, &status) != 0) {
+    const int fd = StepOpenRead(path);
+    file->Descriptor = fd;
+    if (fd < 0 || fstat(fd, &status) != 0) {
         return Fail(errno, error);
     }
     if (!S_ISREG(status.st_mode)) {
@@ -90,7 +99,7 @@ bool ReadOn(OpenedFile* file, char* to, size_t size, size_t* count, std::string*
 {
     *count = 0;
     while (*count < size) {
-        const ssize_t step = StepRead(file->Descriptor, to + *count, size - *count);
+        const ssize_t step = StepRead(static_cast<int>(file->Descriptor), to + *count, size - *count);
         if (step < 0 && errno == EINTR) {
             continue;
         }
@@ -106,29 +115,5 @@ bool ReadOn(OpenedFile* file, char* to, size_t size, size_t* count, std::string*
             return Fail(EFBIG, error);
         }
     }
-    return true;
-}
-
-bool ReadWhole(const std::string& path, std::string* bytes, std::string* error)
-{
-    OpenedFile file;
-    if (!OpenForReading(path, &file, error)) {
-        return false;
-    }
-    std::string content(file.Expected + 1, '\0'); // room to see the end without growing
-    for (;;) {
-        const size_t filled = file.Taken;
-        size_t count = 0;
-        if (!ReadOn(&file, content.data() + filled, content.size() - filled, &count, error)) {
-            return false;
-        }
-        if (file.Taken < content.size()) {
-            break;
-        }
-        // The file has grown meanwhile.
-        content.resize(file.Taken + std::clamp<size_t>(file.Taken / 2, 4096, size_t{1} << 20));
-    }
-    content.resize(file.Taken);
-    *bytes = std::move(content);
     return true;
 }

@@ -12,6 +12,11 @@ bool ErrorsGoToTerminal()
     return isatty(STDERR_FILENO) != 0;
 }
 
+std::string ProgramFile(const std::string& path)
+{
+    return path;
+}
+
 int RunProgram(const std::string& path, const std::vector<std::string>& arguments)
 {
     std::vector<std::string> words{path};

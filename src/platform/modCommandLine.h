@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// The words behind the program's name, of what main was given.
+[[nodiscard]] std::vector<std::string> CommandLineArguments(int argc, char** argv);
+
+/// Makes standard output and standard error take UTF-8 text as it is. Call it before the first use of either.
+void PrepareOutput();
