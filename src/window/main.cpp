@@ -3,12 +3,9 @@
 #include <vector>
 
 #include <QApplication>
-#ifdef Q_OS_WIN
-#include <QtCore/qt_windows.h>
-#include <shellapi.h>
-#endif
 
 #include "main/frmMain.h"
+#include "modCommandLine.h"
 #include "modSetup.h"
 
 namespace {
@@ -24,31 +21,13 @@ void TellWhatIsMissing(QtMsgType type, const QMessageLogContext& /*context*/, co
     }
 }
 
-/// The words behind the name of the program, in the file system's encoding.
-std::vector<std::string> WordsOfCommandLine([[maybe_unused]] int argc, [[maybe_unused]] char* argv[])
-{
-#ifdef Q_OS_WIN
-    // What main gets is in the code page of the user, which does not hold every name.
-    std::vector<std::string> words;
-    int count = 0;
-    wchar_t** wide = CommandLineToArgvW(GetCommandLineW(), &count);
-    for (int i = 1; wide != nullptr && i < count; i++) {
-        words.push_back(QString::fromWCharArray(wide[i]).toStdString());
-    }
-    LocalFree(static_cast<HLOCAL>(wide));
-    return words;
-#else
-    return {argv + (argc > 0 ? 1 : 0), argv + argc};
-#endif
-}
-
 } // namespace
 
 int main(int argc, char* argv[])
 {
     // The command line is one path, whatever it looks like; the toolkit must take no options out of it.
     std::string commandLine;
-    const std::vector<std::string> words = WordsOfCommandLine(argc, argv);
+    const std::vector<std::string> words = CommandLineArguments(argc, argv);
     for (size_t i = 0; i < words.size(); i++) {
         commandLine += (i > 0 ? " " : "") + words[i];
     }

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include <QDir>
 #include <QFile>
 #include <QString>
 
@@ -21,7 +22,7 @@
 [[nodiscard]] inline std::string PathOfText(const QString& text)
 {
 #ifdef Q_OS_WIN
-    return text.toStdString();
+    return QDir::toNativeSeparators(text).toStdString();
 #else
     return QFile::encodeName(text).toStdString();
 #endif

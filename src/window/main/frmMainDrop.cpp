@@ -8,6 +8,7 @@
 #include "app/modMisc.h"
 #include "main/frmMain.h"
 #include "modCommand.h"
+#include "modPaths.h"
 #include "model/modStrings.h"
 
 namespace {
@@ -26,7 +27,7 @@ std::string FirstFile(const QMimeData& data)
             return {};
         }
 #ifdef Q_OS_WIN
-        const std::string path = url.toLocalFile().toStdString();
+        const std::string path = PathOfText(url.toLocalFile());
 #else
         // A name need not be UTF-8.
         const std::string path = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toUtf8()).toStdString();
