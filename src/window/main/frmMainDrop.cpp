@@ -8,8 +8,8 @@
 #include "app/modMisc.h"
 #include "main/frmMain.h"
 #include "modCommand.h"
-#include "modPaths.h"
 #include "model/modStrings.h"
+#include "modPaths.h"
 
 namespace {
 
