@@ -1,9 +1,10 @@
 #pragma once
 
-// OpenGL and GLU. Their headers on Windows ask for the system's own, which fill the space of names with macros, unless
-// they find the two macros that they need of it.
+// OpenGL and GLU. On Windows their headers ask for the system's own, which fill the space of names with macros, unless
+// they find what they need of it.
 
-#ifdef _WIN32
+#if defined(_WIN32) && !defined(APIENTRY)
+#define BEASTWRIGHT_GL_ALONE
 #define WINGDIAPI __declspec(dllimport)
 #define APIENTRY __stdcall
 #define CALLBACK __stdcall
@@ -12,7 +13,8 @@
 #include <GL/gl.h>
 #include <GL/glu.h>
 
-#ifdef _WIN32
+#ifdef BEASTWRIGHT_GL_ALONE
+#undef BEASTWRIGHT_GL_ALONE
 #undef WINGDIAPI
 #undef APIENTRY
 #undef CALLBACK
