@@ -63,5 +63,8 @@ struct SaveRest {
 bool SaveWhole(const std::string& path, const std::string& guard, const PartMaker& make, SaveRest* rest,
                std::string* error);
 
+/// The folder for temporary files, with a separator at its end.
+[[nodiscard]] std::string TemporaryFolder();
+
 /// The folder that holds the program, found through links, without a separator at its end.
 [[nodiscard]] std::string ProgramFolder();

@@ -2,6 +2,7 @@
 #include "model/modTexture.h"
 #include "support/bmp.h"
 #include "support/fresh.h"
+#include "support/system_words.h"
 
 using namespace std::string_literals;
 
@@ -147,8 +148,8 @@ TEST_F(ABitmap, IsFoundAsGivenThenBesideTheModelInAnyCase)
     EXPECT_EQ(LoadTexture(Folder / "Hide.bmp", "no") + LoadTexture("no", "") + LoadTexture(Folder / "cut.bmp", ""), 0);
     const std::string failed = "Stop: Runtime error in LoadTexture\n";
     const std::string advice = "\"\r\nMake sure your textures have power-of-two dimensions!\n";
-    EXPECT_EQ(Told(), failed + "No such file or directory\n\"" + (Folder / "Hide.bmp") + advice + failed +
-                          "No such file or directory\n\"no" + advice + failed +
+    EXPECT_EQ(Told(), failed + SystemWords(ENOENT) + "\n\"" + (Folder / "Hide.bmp") + advice + failed +
+                          SystemWords(ENOENT) + "\n\"no" + advice + failed +
                           "The file ends before its data is complete.\n\"" + (Folder / "cut.bmp") + advice);
     Textures.Items.resize(INT16_MAX);
     EXPECT_EQ(LoadTexture("a", ""), 0);

@@ -5,6 +5,7 @@
 
 #include "checks/modCheckText.h"
 #include "support/fresh.h"
+#include "support/system_words.h"
 
 namespace {
 
@@ -181,7 +182,7 @@ TEST_F(TextCheck, CountsLinesAsALoadDoes)
     scripted::FailAt = 3; // behind the open and the first piece
     scripted::FailError = EIO;
     EXPECT_FALSE(CheckText(Path, &Found, &Error));
-    EXPECT_EQ(Error, "Input/output error");
+    EXPECT_EQ(Error, SystemWords(EIO));
     scripted::Reset();
     EXPECT_FALSE(CheckText(Folder / "none", &Found, &Error));
 }

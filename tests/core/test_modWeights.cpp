@@ -4,6 +4,7 @@
 #include "app/modFrontEnd.h"
 #include "model/modLostAssignments.h"
 #include "support/fresh.h"
+#include "support/system_words.h"
 #include "weights/modWeights.h"
 
 using testing::ElementsAre;
@@ -46,8 +47,9 @@ TEST_F(Weights, WritesEachByteInItsPlace)
     SaveWeights(Folder / "none/a.wif", 1);
     Bones.Items.resize(32768);
     SaveWeights(file, 1);
-    EXPECT_EQ(Told(), "Stop: Runtime error in SaveWeights\nNo such file or directory\n"
-                      "Stop: Runtime error in SaveWeights\nThe model has more bones than the file can tell.\n");
+    EXPECT_EQ(Told(), "Stop: Runtime error in SaveWeights\n" + NoFolderWords() +
+                          "\n"
+                          "Stop: Runtime error in SaveWeights\nThe model has more bones than the file can tell.\n");
     EXPECT_EQ(Content(file), bytes);
 }
 

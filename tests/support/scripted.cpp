@@ -43,7 +43,7 @@ void Reset()
 {
     ResetSession();
     WeightsAssignMode = 0;
-    Clear(&Steps, &FailAt, &FailError, &FailAfter, &MissingSteps, &LogShown, &Redraws, &Folder);
+    Clear(&Steps, &FailAt, &FailError, &FailAfter, &BreakReplacement, &MissingSteps, &LogShown, &Redraws, &Folder);
     Clear(&Messages, &Questions, &Answers, &AssignModes, &Log, &Panels, &Progress, &DeletedTextures);
     Clear(&BoneRows[0], &BoneRows[1]);
     SelectedRow[0] = SelectedRow[1] = -1;

@@ -39,6 +39,7 @@ inline int Steps = 0;
 inline int FailAt = 0;
 inline bool FailAfter = false;
 inline int FailError = 0;                  ///< errno of the failing step; ENOSPC when 0
+inline bool BreakReplacement = false;      ///< a replacement that fails ends in its middle, as on Windows it can
 inline std::set<std::string> MissingSteps; ///< names of steps that the file system does not know: EPERM
 
 /// The panel's latest text; empty when none was set.

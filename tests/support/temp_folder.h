@@ -1,20 +1,27 @@
 #pragma once
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
+
+/// A path of UTF-8 text, whatever the system takes text for.
+inline std::filesystem::path PathOf(const std::string& text)
+{
+    return {std::u8string(text.begin(), text.end())};
+}
 
 /// The names of all entries of a folder, hidden ones too, sorted.
 inline std::vector<std::string> NamesIn(const std::string& folder)
 {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        names.push_back(entry.path().filename().string());
+    for (const auto& entry : std::filesystem::directory_iterator(PathOf(folder))) {
+        const std::u8string name = entry.path().filename().u8string();
+        names.emplace_back(name.begin(), name.end());
     }
     std::sort(names.begin(), names.end());
     return names;
@@ -26,8 +33,11 @@ struct TempFolder {
 
     TempFolder()
     {
-        std::string name = (std::filesystem::temp_directory_path() / "beastwright-test-XXXXXX").string();
-        Path = std::string(mkdtemp(name.data())) + "/";
+        std::random_device random;
+        do {
+            const std::string name = "beastwright-test-" + std::to_string(random());
+            Path = (std::filesystem::temp_directory_path() / name).string() + "/";
+        } while (!std::filesystem::create_directory(Path));
     }
     ~TempFolder()
     {
@@ -44,11 +54,11 @@ struct TempFolder {
 /// The content of a file by other means than those under test; "(none)" without a file.
 inline std::string Content(const std::string& path)
 {
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(PathOf(path), std::ios::binary);
     return file ? std::string(std::istreambuf_iterator<char>(file), {}) : std::string("(none)");
 }
 
 inline void PutFile(const std::string& path, std::string_view bytes)
 {
-    std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    std::ofstream(PathOf(path), std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }

@@ -22,7 +22,9 @@ double ArcCos(float x)
         return 3.1415927;
     }
     const double wide = x;
-    return pi / 2 - std::atan(wide / std::sqrt(1 - wide * wide));
+    // The last bit of the double's own function differs between systems, and with it the normals in a saved model.
+    const long double slope = wide / std::sqrt(1 - wide * wide);
+    return pi / 2 - static_cast<double>(std::atan(slope));
 }
 
 bool IsPowerOfTwo(int32_t value)

@@ -1,7 +1,6 @@
 #include "model/modRescue.h"
 
 #include <exception>
-#include <filesystem>
 
 #include "app/modGuard.h"
 #include "app/modMisc.h"
@@ -18,7 +17,7 @@ constexpr const char* ending = ".rescued";
 
 std::string TemporaryPath(const std::string& name)
 {
-    return (std::filesystem::temp_directory_path() / (name.empty() ? "unnamed.mvm" : name)).string() + ending;
+    return TemporaryFolder() + (name.empty() ? "unnamed.mvm" : name) + ending;
 }
 
 bool WriteTo(const std::string& path, std::string* error)

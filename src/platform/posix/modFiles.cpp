@@ -1,6 +1,7 @@
 #include "modFiles.h"
 
 #include <cerrno>
+#include <filesystem>
 #include <limits>
 
 #include <sys/stat.h>
@@ -61,6 +62,11 @@ size_t NameStart(const std::string& path)
 bool IsHidden(const std::string& path)
 {
     return path.substr(NameStart(path)).starts_with('.');
+}
+
+std::string TemporaryFolder()
+{
+    return (std::filesystem::temp_directory_path() / "").string();
 }
 
 OpenedFile::~OpenedFile()

@@ -11,11 +11,8 @@ std::vector<std::string> ListFiles(const std::string& folder)
         return names;
     }
     WIN32_FIND_DATAW entry{};
-    HANDLE const listing = FindFirstFileW((place + (place.ends_with(L'\\') ? L"*" : L"\\*")).c_str(), &entry);
-    if (listing == INVALID_HANDLE_VALUE) {
-        return names;
-    }
-    do {
+    const FoundFiles listing(place + (place.ends_with(L'\\') ? L"*" : L"\\*"), &entry);
+    for (bool more = listing.Any(); more; more = listing.Next(&entry)) {
         std::string name = Utf8Text(entry.cFileName);
         const bool hidden = (entry.dwFileAttributes & FILE_ATTRIBUTE_HIDDEN) != 0 || name.starts_with('.');
         const bool folderInside = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
@@ -23,7 +20,6 @@ std::vector<std::string> ListFiles(const std::string& folder)
         if (!hidden && !folderInside && (!link || IsPlainFile(folder + "\\" + name))) {
             names.push_back(std::move(name));
         }
-    } while (FindNextFileW(listing, &entry) != 0);
-    (void)FindClose(listing);
+    }
     return names;
 }

@@ -81,6 +81,13 @@ bool IsHidden(const std::string& path)
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_HIDDEN) != 0;
 }
 
+std::string TemporaryFolder()
+{
+    std::wstring folder(MAX_PATH + 1, L'\0');
+    folder.resize(GetTempPathW(static_cast<DWORD>(folder.size()), folder.data()));
+    return Utf8Text(folder);
+}
+
 OpenedFile::~OpenedFile()
 {
     if (Descriptor != -1) {

@@ -95,36 +95,32 @@ void RemoveLeftovers(const std::wstring& target)
     const std::wstring folder = target.substr(0, WideNameStart(target));
     const std::wstring start = TemporaryStart(target);
     WIN32_FIND_DATAW entry{};
-    HANDLE const listing = FindFirstFileW((folder + L"*" + std::wstring(temporaryEnd)).c_str(), &entry);
-    if (listing == INVALID_HANDLE_VALUE) {
-        return;
-    }
-    do {
+    const FoundFiles listing(folder + L"*" + std::wstring(temporaryEnd), &entry);
+    for (bool more = listing.Any(); more; more = listing.Next(&entry)) {
         const DWORD process = ProcessOf(entry.cFileName, start);
         if (process != 0 && process != GetCurrentProcessId() && IsGone(process)) {
             (void)DeleteFileW((folder + entry.cFileName).c_str());
         }
-    } while (FindNextFileW(listing, &entry) != 0);
-    (void)FindClose(listing);
+    }
 }
 
 /// A copy of the old content, or the old file itself under another name.
 struct Guard {
-    std::wstring Path; ///< empty for none that stands
+    std::wstring Path; ///< empty for none
     std::string Told;  ///< the same as the user knows it
 };
 
-/// A save under way.
+/// A save under way. Its texts are made before its first step, so that no step need end for want of memory.
 struct Saving {
     std::wstring Target;
     std::wstring Temporary; ///< name of a new file beside the target
-    std::wstring Spare;     ///< name of a guard beside the target where it cannot have its own name
-    Guard Wanted;           ///< asked for by the caller; may be empty
-    Guard Stands;
+    Guard Wanted;           ///< asked for by the caller
+    Guard Spare;            ///< where the guard cannot have that name
     std::vector<char> Buffer = std::vector<char>(size_t{1} << 18);
     bool Exists = false;
     BY_HANDLE_FILE_INFORMATION Old{};
-    bool Torn = false; ///< the target could not be given its old content back: the guard holds it
+    const Guard* Stands = nullptr; ///< the guard that stands now; null for none
+    bool Torn = false;             ///< the target could not be given its old content back: the guard holds it
 };
 
 /// Makes the target that to which a link leads.
@@ -172,7 +168,8 @@ bool BeginSaving(const std::string& path, const std::string& guard, Saving* savi
         return Fail(ERROR_INVALID_NAME, error);
     }
     saving->Temporary = NameBeside(saving->Target, temporaryEnd);
-    saving->Spare = NameBeside(saving->Target, L".old");
+    const std::wstring spare = NameBeside(saving->Target, L".old");
+    saving->Spare = {spare, Utf8Text(spare)};
     saving->Wanted = {guard.empty() ? std::wstring() : SystemPath(guard), guard};
     return true;
 }
@@ -197,10 +194,10 @@ bool MakeWay(const Saving& saving)
 /// Removes the guard. False, with the last error set, when it stays.
 bool DropGuard(Saving* saving)
 {
-    if (!saving->Stands.Path.empty() && !StepDelete(saving->Stands.Path) && !IsMissing(GetLastError())) {
+    if (saving->Stands != nullptr && !StepDelete(saving->Stands->Path) && !IsMissing(GetLastError())) {
         return false;
     }
-    saving->Stands = {};
+    saving->Stands = nullptr;
     return true;
 }
 
@@ -232,7 +229,7 @@ bool CopyToGuard(const Guard& guard, Saving* saving)
         Discard(guard.Path);
         return false;
     }
-    saving->Stands = guard;
+    saving->Stands = &guard;
     return true;
 }
 
@@ -243,8 +240,7 @@ bool CopyAnywhere(Saving* saving)
     if (MakeWay(*saving) && CopyToGuard(saving->Wanted, saving)) {
         return true;
     }
-    std::wstring folder(MAX_PATH + 1, L'\0');
-    folder.resize(GetTempPathW(static_cast<DWORD>(folder.size()), folder.data()));
+    const std::wstring folder = WideText(TemporaryFolder());
     constexpr int mostTries = 100;
     for (int number = 0; number < mostTries; ++number) {
         const std::wstring path =
@@ -269,9 +265,9 @@ bool PutInPlace(Saving* saving)
         }
         return true;
     }
-    const Guard backup = MakeWay(*saving) ? saving->Wanted : Guard{saving->Spare, Utf8Text(saving->Spare)};
+    const Guard& backup = MakeWay(*saving) ? saving->Wanted : saving->Spare;
     if (StepReplace(saving->Target, saving->Temporary, backup.Path)) {
-        saving->Stands = backup;
+        saving->Stands = &backup;
         return true;
     }
     const DWORD failure = GetLastError();
@@ -279,7 +275,7 @@ bool PutInPlace(Saving* saving)
     if (!Status(saving->Target, &there) && GetLastError() == ERROR_FILE_NOT_FOUND && Status(backup.Path, &there)) {
         // It ended in its middle.
         saving->Torn = !StepRename(backup.Path, saving->Target);
-        saving->Stands = saving->Torn ? backup : Guard();
+        saving->Stands = saving->Torn ? &backup : nullptr;
     }
     SetLastError(failure);
     Discard(saving->Temporary);
@@ -311,20 +307,23 @@ std::optional<bool> Replace(const PartMaker& make, Saving* saving, std::string* 
     if (file == INVALID_HANDLE_VALUE) {
         return saving->Exists ? std::nullopt : std::optional(Fail(GetLastError(), error));
     }
-    bool good = false;
+    bool open = true;
     try {
-        good = WriteParts(file, make);
+        const bool good = WriteParts(file, make);
+        open = false;
+        if (!Finish(file, good)) {
+            Discard(saving->Temporary);
+            return Fail(GetLastError(), error);
+        }
+        if (PutInPlace(saving)) {
+            return true;
+        }
     } catch (...) {
-        (void)StepClose(file);
+        if (open) {
+            (void)StepClose(file);
+        }
         Discard(saving->Temporary);
         throw;
-    }
-    if (!Finish(file, good)) {
-        Discard(saving->Temporary);
-        return Fail(GetLastError(), error);
-    }
-    if (PutInPlace(saving)) {
-        return true;
     }
     const DWORD failure = GetLastError();
     const bool refused = failure == ERROR_ACCESS_DENIED || failure == ERROR_NOT_SUPPORTED ||
@@ -348,7 +347,7 @@ bool WriteInPlace(const PartMaker& make, Saving* saving, std::string* error)
     }
     const DWORD failure = GetLastError();
     HANDLE const again = StepOpenWrite(saving->Target);
-    saving->Torn = again == INVALID_HANDLE_VALUE || !CopyInto(again, saving->Stands.Path, &saving->Buffer);
+    saving->Torn = again == INVALID_HANDLE_VALUE || !CopyInto(again, saving->Stands->Path, &saving->Buffer);
     return Fail(failure, error);
 }
 
@@ -361,14 +360,22 @@ bool SaveWhole(const std::string& path, const std::string& guard, const PartMake
     if (!BeginSaving(path, guard, &saving, error)) {
         return false;
     }
-    const std::optional<bool> replaced = Replace(make, &saving, error);
-    const bool good = replaced ? *replaced : WriteInPlace(make, &saving, error);
+    bool good = false;
+    try {
+        const std::optional<bool> replaced = Replace(make, &saving, error);
+        good = replaced ? *replaced : WriteInPlace(make, &saving, error);
+    } catch (...) {
+        if (!saving.Torn) {
+            (void)DropGuard(&saving);
+        }
+        throw;
+    }
     rest->Torn = saving.Torn;
-    if (saving.Torn) {
-        rest->Guard = saving.Stands.Told;
-    } else if (!DropGuard(&saving)) {
-        Fail(GetLastError(), &rest->Why);
-        rest->Guard = saving.Stands.Told;
+    if (saving.Torn || !DropGuard(&saving)) {
+        if (!saving.Torn) {
+            Fail(GetLastError(), &rest->Why);
+        }
+        rest->Guard = saving.Stands->Told;
     }
     return good;
 }

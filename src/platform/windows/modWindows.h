@@ -39,6 +39,27 @@ public:
     HANDLE Value;
 };
 
+/// The files of a folder that fit a pattern.
+class FoundFiles {
+public:
+    FoundFiles(const std::wstring& pattern, WIN32_FIND_DATAW* first) : Listing(FindFirstFileW(pattern.c_str(), first))
+    {}
+    ~FoundFiles()
+    {
+        if (Any()) {
+            (void)FindClose(Listing);
+        }
+    }
+    FoundFiles(const FoundFiles&) = delete;
+    FoundFiles& operator=(const FoundFiles&) = delete;
+
+    [[nodiscard]] bool Any() const { return Listing != INVALID_HANDLE_VALUE; }
+    [[nodiscard]] bool Next(WIN32_FIND_DATAW* entry) const { return FindNextFileW(Listing, entry) != 0; }
+
+private:
+    HANDLE Listing;
+};
+
 /// What stands at a path; links are followed. False, with the last error set, when the system does not tell.
 bool Status(const std::wstring& systemPath, BY_HANDLE_FILE_INFORMATION* status);
 [[nodiscard]] bool IsSame(const BY_HANDLE_FILE_INFORMATION& a, const BY_HANDLE_FILE_INFORMATION& b);

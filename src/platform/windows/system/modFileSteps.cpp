@@ -26,29 +26,42 @@ DWORD OneCall(size_t size)
     return static_cast<DWORD>(std::min(size, size_t{1} << 30));
 }
 
-/// The access list; empty where the file system has none.
-std::vector<char> AccessOf(const std::wstring& path)
+/// Reads the access list into `access`, which is large enough. False where there is none.
+bool ReadAccess(const std::wstring& path, std::vector<char>* access)
 {
-    DWORD size = 0;
-    (void)GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
-    std::vector<char> access(size);
-    const bool read =
-        size > 0 && GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, access.data(), size, &size) != 0;
-    return read ? access : std::vector<char>();
+    DWORD size = static_cast<DWORD>(access->size());
+    return size > 0 && GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, access->data(), size, &size) != 0;
 }
 
-/// What a replacement keeps as a rule, put right where it did not.
-void PutRight(const std::wstring& path, DWORD attributes, std::vector<char>* access)
-{
-    if (!access->empty() && AccessOf(path) != *access) {
-        (void)SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, access->data());
+/// What a replacement keeps as a rule, read before it to be put right behind it. That needs no memory any more.
+class Kept {
+public:
+    explicit Kept(const std::wstring& path) : Attributes(GetFileAttributesW(path.c_str()))
+    {
+        DWORD size = 0;
+        (void)GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, nullptr, 0, &size);
+        Access.resize(size);
+        Present.resize(size);
+        HasAccess = ReadAccess(path, &Access);
     }
-    constexpr DWORD kept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
-    const DWORD now = GetFileAttributesW(path.c_str());
-    if (now != INVALID_FILE_ATTRIBUTES && (now & kept) != (attributes & kept)) {
-        (void)SetFileAttributesW(path.c_str(), (now & ~kept) | (attributes & kept));
+    void PutRight(const std::wstring& path)
+    {
+        if (HasAccess && (!ReadAccess(path, &Present) || Present != Access)) {
+            (void)SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, Access.data());
+        }
+        constexpr DWORD kept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
+        const DWORD now = GetFileAttributesW(path.c_str());
+        if (now != INVALID_FILE_ATTRIBUTES && (now & kept) != (Attributes & kept)) {
+            (void)SetFileAttributesW(path.c_str(), (now & ~kept) | (Attributes & kept));
+        }
     }
-}
+
+private:
+    DWORD Attributes;
+    std::vector<char> Access;
+    std::vector<char> Present;
+    bool HasAccess = false;
+};
 
 } // namespace
 
@@ -101,15 +114,14 @@ bool StepClose(HANDLE file)
 
 bool StepReplace(const std::wstring& target, const std::wstring& with, const std::wstring& backup)
 {
-    const DWORD attributes = GetFileAttributesW(target.c_str());
-    std::vector<char> access = AccessOf(target);
+    Kept kept(target);
     const auto replace = [&] {
         return ReplaceFileW(target.c_str(), with.c_str(), backup.c_str(), 0, nullptr, nullptr) != 0;
     };
     if (!WithPatience(replace)) {
         return false;
     }
-    PutRight(target, attributes, &access);
+    kept.PutRight(target);
     return true;
 }
 

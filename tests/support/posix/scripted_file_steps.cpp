@@ -4,6 +4,7 @@
 #include <cstring>
 #include <set>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include <fcntl.h>
@@ -13,6 +14,7 @@
 
 #include "posix/modFileSteps.h"
 #include "support/scripted.h"
+#include "support/system_words.h"
 
 // The program's own steps under names of their own; what they include stands above.
 namespace own {
@@ -41,6 +43,16 @@ auto Run(const char* name, const Function& step, const Arguments&... arguments) 
 }
 
 } // namespace
+
+std::string SystemWords(int error)
+{
+    return std::generic_category().message(error);
+}
+
+std::string NoFolderWords()
+{
+    return SystemWords(ENOENT);
+}
 
 #define STEP(result, name, parameters, ...)                                                                            \
     result name parameters                                                                                             \
