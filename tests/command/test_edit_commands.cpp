@@ -33,6 +33,20 @@ const std::string twoSkins =
                         "instance \"B\"|{| mesh = \"B\"| scale = 1|}|"
                         "instance \"A\"|{| mesh = \"A\"| scale = 2|}|");
 
+#ifdef _WIN32
+constexpr bool onWindows = true;
+constexpr const char* toDevice = "mirror two.mvm -o nul.mvm";
+#else
+constexpr bool onWindows = false;
+constexpr const char* toDevice = "mirror two.mvm -o /dev/null";
+#endif
+
+/// On Windows there is no disk that is always full; a program without OpenGL paints no pictures.
+bool IsLeftOut(const std::string& words)
+{
+    return (onWindows && words.find('>') != std::string::npos) || (HAS_PICTURES == 0 && words.starts_with("picture"));
+}
+
 struct Commands : FreshFolder {
     /// The scene as the window has it after Open.
     void Open(const std::string& path, bool aliases = true)
@@ -147,7 +161,7 @@ TEST_F(Commands, EachGivesTheFileOfTheWindowsCommand)
         EXPECT_EQ(Content(Folder / "half.mvm") == Content(half), true) << "the model itself is left alone";
         EXPECT_TRUE(weights || wanted != before) << "the case changes nothing";
 
-        std::filesystem::copy(Folder / c.Model, Folder / "in.mvm", std::filesystem::copy_options::overwrite_existing);
+        PutFile(Folder / "in.mvm", Content(Folder / c.Model));
         const std::string inPlace = weights ? "weights load in.mvm" + c.Words.substr(12) : c.Words + " in.mvm";
         EXPECT_EQ(Run(inPlace + " --in-place --quiet").Code, 0);
         EXPECT_TRUE(Content(Folder / "in.mvm") == wanted);
@@ -164,7 +178,11 @@ TEST_F(Commands, WhatCannotBeDoneIsToldAndChangesNoFile)
     PutFile(Folder / "empty.mvm", "");
     PutFile(Folder / "other.wif", "no weights");
     std::filesystem::create_directory(Folder / "folder");
-    std::filesystem::create_symlink("two.mvm", Folder / "link.mvm");
+    if (onWindows) { // where links are for administrators
+        std::filesystem::create_hard_link(Folder / "two.mvm", Folder / "link.mvm");
+    } else {
+        std::filesystem::create_symlink("two.mvm", Folder / "link.mvm");
+    }
     PutFile(Folder / "readonly.mvm", twoSkins);
     std::filesystem::permissions(Folder / "readonly.mvm", std::filesystem::perms(0444));
     Open(Folder / "two.mvm");
@@ -183,7 +201,7 @@ TEST_F(Commands, WhatCannotBeDoneIsToldAndChangesNoFile)
         {"mirror two.mvm -o two.mvm", "\"two.mvm\" is the model itself; --in-place writes to it."},
         {"mirror two.mvm -o ./link.mvm", "is the model itself"},
         {"mirror two.mvm -o folder", "bwrt: two.mvm: Runtime error in WriteMVM"},
-        {"mirror two.mvm -o /dev/null", "bwrt: two.mvm: Runtime error in WriteMVM"},
+        {toDevice, "bwrt: two.mvm: Runtime error in WriteMVM"},
         {"mirror two.mvm -o nowhere/out.mvm", "bwrt: two.mvm: Runtime error in WriteMVM"},
         {"mirror two.mvm -o readonly.mvm", "Can't overwrite file."},
         {"mirror readonly.mvm --in-place", "File is marked read only."},
@@ -230,6 +248,9 @@ TEST_F(Commands, WhatCannotBeDoneIsToldAndChangesNoFile)
     };
     for (const auto& [words, text] : cases) {
         SCOPED_TRACE(words);
+        if (IsLeftOut(words)) {
+            continue;
+        }
         const Outcome outcome = Run(words);
         EXPECT_EQ(outcome.Code, 2);
         EXPECT_THAT(outcome.Errors, HasSubstr(text));
@@ -247,7 +268,9 @@ TEST_F(Commands, OneFailureDoesNotStopTheOthers)
     EXPECT_EQ(outcome.Output, "a.mvm: 1 vertex changed\nc.mvm: 1 vertex changed\n");
     EXPECT_TRUE(Content(Folder / "a.mvm") == Content(Folder / "c.mvm") && Content(Folder / "a.mvm") != twoSkins);
     EXPECT_THAT(outcome.Errors, HasSubstr("bwrt: b.mvm: "));
-    EXPECT_EQ(Run("report a.mvm | head -n 1").Errors, "") << "a reader who goes ends it silently";
+    if (!onWindows) {
+        EXPECT_EQ(Run("report a.mvm | head -n 1").Errors, "") << "a reader who goes ends it silently";
+    }
     EXPECT_EQ(Run("mirror a.mvm -o q --quiet").Output, "");
     EXPECT_THAT(Run("mirror a.mvm -o q --verbose").Errors, HasSubstr("bwrt: a.mvm: 2 : 1\n"));
     EXPECT_EQ(Run("--help").Code, 0);

@@ -1,9 +1,6 @@
 #pragma once
 
-#include <cstdlib>
 #include <string>
-
-#include <sys/wait.h>
 
 #include "support/temp_folder.h"
 
@@ -13,12 +10,6 @@ struct Outcome {
     std::string Output{}, Errors{};
 };
 
-/// Runs the command line's program in a folder, with these words for a shell.
-inline Outcome RunCommand(const TempFolder& folder, const std::string& words)
-{
-    const TempFolder said;
-    const std::string line =
-        "cd '" + folder.Path + "' && '" BWRT "' >'" + said / "out" + "' 2>'" + said / "err" + "' </dev/null " + words;
-    const int status = std::system(line.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Content(said / "out"), Content(said / "err")};
-}
+/// Runs the command line's program in a folder, with these words for a shell. Where there is no shell of POSIX, single
+/// quotes hold a word together and nothing else is more than itself.
+Outcome RunCommand(const TempFolder& folder, const std::string& words);

@@ -53,10 +53,10 @@ void Discard(const std::wstring& path)
 // Names beside a file: ".NAME.PID.tmp", with so much of NAME as a name may have.
 
 constexpr std::wstring_view temporaryEnd = L".tmp";
+constexpr size_t longestName = 255;
 
 std::wstring TemporaryStart(const std::wstring& target)
 {
-    constexpr size_t longestName = 255;
     constexpr size_t roomForNumber = 12;
     const std::wstring name = target.substr(WideNameStart(target));
     return L"." + name.substr(0, longestName - roomForNumber - 2 - temporaryEnd.size()) + L".";
@@ -98,7 +98,7 @@ void RemoveLeftovers(const std::wstring& target)
     const FoundFiles listing(folder + L"*" + std::wstring(temporaryEnd), &entry);
     for (bool more = listing.Any(); more; more = listing.Next(&entry)) {
         const DWORD process = ProcessOf(entry.cFileName, start);
-        if (process != 0 && process != GetCurrentProcessId() && IsGone(process)) {
+        if (process != 0 && (process == GetCurrentProcessId() || IsGone(process))) {
             (void)DeleteFileW((folder + entry.cFileName).c_str());
         }
     }
@@ -163,6 +163,9 @@ bool BeginSaving(const std::string& path, const std::string& guard, Saving* savi
     if (saving->Exists ? IsFolder(saving->Old) : path.ends_with('/') || path.ends_with('\\')) {
         return FailKind(true, error);
     }
+    if (saving->Exists && (saving->Old.dwFileAttributes & FILE_ATTRIBUTE_READONLY) != 0) {
+        return Fail(ERROR_ACCESS_DENIED, error);
+    }
     // Behind a colon stands a second content of a file.
     if (saving->Target.find(L':', WideNameStart(saving->Target)) != std::wstring::npos) {
         return Fail(ERROR_INVALID_NAME, error);
@@ -178,7 +181,7 @@ bool BeginSaving(const std::string& path, const std::string& guard, Saving* savi
 bool MakeWay(const Saving& saving)
 {
     const std::wstring& path = saving.Wanted.Path;
-    if (path.empty() || IsDevice(path)) {
+    if (path.empty() || IsDevice(path) || path.size() - WideNameStart(path) > longestName) {
         return false;
     }
     const DWORD attributes = GetFileAttributesW(path.c_str());

@@ -142,7 +142,7 @@ TEST_F(WindowsFiles, WhatIsNoFileIsRefused)
         EXPECT_FALSE(IsPlainFile(row.Path) || IsReadOnly(row.Path));
     }
     FileKind found = FileKind::Plain;
-    for (const std::string& path : {Folder / "a*b", "a\xFF", std::string("a\0b", 3)}) {
+    for (const std::string& path : {Folder / "a*b", std::string("a\xFF"), std::string("a\0b", 3)}) {
         EXPECT_FALSE(KindOfFile(path, &found, &Error) || Save(path)) << path;
         EXPECT_EQ(Error, name) << path;
     }
@@ -252,7 +252,7 @@ TEST_F(WindowsFiles, EveryFailureOfASaveLeavesOneWholeContent)
                 EXPECT_NE(Content(Rest.Guard), "(none)");
                 allowed.push_back(Rest.Guard.substr(NameStart(Rest.Guard)));
             }
-            if (!later) {
+            if (!later && without.empty()) {
                 EXPECT_THAT(NamesIn(folder), IsSubsetOf(allowed));
                 EXPECT_FALSE(Rest.Torn);
             }
