@@ -22,7 +22,7 @@ std::string FirstFile(const QMimeData& data)
             continue;
         }
         // Whatever stands for no part of an address belongs to the path.
-        const QUrl url = QUrl::fromEncoded(line.toPercentEncoding("%/:@!$&'()*+,;=[]"));
+        const QUrl url = QUrl::fromEncoded(line.toPercentEncoding("/:@!$&'()*+,;=[]").replace("%25", "%"));
         if (!url.isLocalFile()) {
             return {};
         }
