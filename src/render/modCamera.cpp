@@ -3,8 +3,7 @@
 #include <cmath>
 #include <numbers>
 
-#include <GL/gl.h>
-#include <GL/glu.h>
+#include "modGL.h"
 
 namespace {
 

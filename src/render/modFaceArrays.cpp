@@ -4,8 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include <GL/gl.h>
-
+#include "modGL.h"
 #include "modGLTexture.h"
 #include "modMaterialState.h"
 

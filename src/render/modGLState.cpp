@@ -4,8 +4,7 @@
 #include <cmath>
 #include <initializer_list>
 
-#include <GL/gl.h>
-
+#include "modGL.h"
 #include "modOpenGL.h"
 #include "modViewFlags.h"
 

@@ -2,12 +2,10 @@
 
 #include <limits>
 
-#include <GL/gl.h>
-#include <GL/glu.h>
-
 #include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
 #include "model/modBitmap.h"
+#include "modGL.h"
 #include "modOpenGL.h"
 #include "modViewFlags.h"
 

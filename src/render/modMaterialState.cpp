@@ -1,8 +1,7 @@
 #include "modMaterialState.h"
 
-#include <GL/gl.h>
-
 #include "app/modMvmDef.h"
+#include "modGL.h"
 #include "modGLTexture.h"
 #include "modViewFlags.h"
 

@@ -2,9 +2,8 @@
 
 #include <array>
 
-#include <GL/gl.h>
-
 #include "app/modMvmDef.h"
+#include "modGL.h"
 #include "modGLState.h"
 #include "modMaterialState.h"
 #include "modOverlays.h"

@@ -4,11 +4,10 @@
 #include <cmath>
 #include <cstring>
 
-#include <GL/gl.h>
-
 #include "app/modFrontEnd.h"
 #include "app/modMvmDef.h"
 #include "modCamera.h"
+#include "modGL.h"
 #include "modDrag.h"
 #include "modGLState.h"
 #include "modMaterialState.h"

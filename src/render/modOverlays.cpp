@@ -2,11 +2,10 @@
 
 #include <vector>
 
-#include <GL/gl.h>
-
 #include "app/modMvmDef.h"
 #include "modAssignmentColors.h"
 #include "modFaceArrays.h"
+#include "modGL.h"
 #include "modMaterialState.h"
 #include "modSurface.h"
 #include "modViewFlags.h"

@@ -6,13 +6,11 @@
 #include <cstdlib>
 #include <vector>
 
-#include <GL/gl.h>
-#include <GL/glu.h>
-
 #include "app/modFrontEnd.h"
 #include "app/modUndo.h"
 #include "modCamera.h"
 #include "modFaceArrays.h"
+#include "modGL.h"
 #include "modGLState.h"
 #include "modMaterialState.h"
 #include "modOpenGL.h"

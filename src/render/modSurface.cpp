@@ -1,9 +1,8 @@
 #include "modSurface.h"
 
-#include <GL/gl.h>
-
 #include "modAssignmentColors.h"
 #include "modFaceArrays.h"
+#include "modGL.h"
 #include "modGLState.h"
 #include "modMaterialState.h"
 #include "modViewFlags.h"

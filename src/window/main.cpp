@@ -1,9 +1,11 @@
 #include <cstdio>
 #include <string>
+#include <vector>
 
 #include <QApplication>
 
 #include "main/frmMain.h"
+#include "modCommandLine.h"
 #include "modSetup.h"
 
 namespace {
@@ -25,8 +27,9 @@ int main(int argc, char* argv[])
 {
     // The command line is one path, whatever it looks like; the toolkit must take no options out of it.
     std::string commandLine;
-    for (int i = 1; i < argc; i++) {
-        commandLine += (i > 1 ? " " : "") + std::string(argv[i]);
+    const std::vector<std::string> words = CommandLineArguments(argc, argv);
+    for (size_t i = 0; i < words.size(); i++) {
+        commandLine += (i > 0 ? " " : "") + words[i];
     }
     int ownArguments = argc > 0 ? 1 : 0;
     const QtMessageHandler usual = qInstallMessageHandler(TellWhatIsMissing);

@@ -1,20 +1,36 @@
 #include "modDesktop.h"
 
 #include <QDesktopServices>
-#include <QFile>
+#include <QDir>
 #include <QProcess>
 #include <QUrl>
 
-void OpenWithDesktop(const std::string& target)
+#include "modPaths.h"
+
+namespace {
+
+// On a desktop of the X world: without a shell and a terminal of the user's to write on.
+bool OpenWithOpener([[maybe_unused]] const QString& target)
 {
-    const QString text = QFile::decodeName(QByteArray::fromStdString(target));
+#ifdef Q_OS_WIN
+    return false;
+#else
     QProcess opener;
     opener.setProgram(QStringLiteral("xdg-open"));
-    opener.setArguments({text});
+    opener.setArguments({target});
     opener.setStandardInputFile(QProcess::nullDevice());
     opener.setStandardOutputFile(QProcess::nullDevice());
     opener.setStandardErrorFile(QProcess::nullDevice());
-    if (!opener.startDetached()) {
-        QDesktopServices::openUrl(text.startsWith(u'/') ? QUrl::fromLocalFile(text) : QUrl(text));
+    return opener.startDetached();
+#endif
+}
+
+} // namespace
+
+void OpenWithDesktop(const std::string& target)
+{
+    const QString text = TextOfPath(target);
+    if (!OpenWithOpener(text)) {
+        QDesktopServices::openUrl(QDir::isAbsolutePath(text) ? QUrl::fromLocalFile(text) : QUrl(text));
     }
 }

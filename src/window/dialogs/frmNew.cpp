@@ -2,7 +2,6 @@
 #include "modFileListing.h"
 
 #include <QDialog>
-#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -20,6 +19,7 @@
 #include "model/modMvmRead.h"
 #include "modFiles.h"
 #include "modOwner.h"
+#include "modPaths.h"
 
 namespace {
 
@@ -115,7 +115,7 @@ void NewDialog::ListPresets()
     for (const std::string& file : ListFiles(folder)) {
         const QByteArray bytes = QByteArray::fromStdString(file);
         if (bytes.toLower().endsWith(".preset")) {
-            auto* row = new QListWidgetItem(QFile::decodeName(bytes.chopped(extensionLength)), lstPresets);
+            auto* row = new QListWidgetItem(TextOfPath(bytes.chopped(extensionLength).toStdString()), lstPresets);
             row->setData(Qt::UserRole, bytes); // the extension may be in capitals
         }
     }
@@ -132,7 +132,7 @@ void NewDialog::Browse()
     }
     LastPath = path;
     model = path;
-    txtModel->setText(QFile::decodeName(QByteArray::fromStdString(path)));
+    txtModel->setText(TextOfPath(path));
     if (!lstPresets->selectedItems().isEmpty()) {
         cmdOK->setEnabled(true);
     }

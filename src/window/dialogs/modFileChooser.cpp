@@ -3,7 +3,6 @@
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QEvent>
-#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QLineEdit>
@@ -14,8 +13,54 @@
 #include "dialogs/modBoxes.h"
 #include "modFiles.h"
 #include "modOwner.h"
+#include "modPaths.h"
 
 namespace {
+
+#ifdef Q_OS_WIN
+constexpr const char* separators = "/\\";
+#else
+constexpr const char* separators = "/";
+#endif
+
+/// The program stores nothing between runs, but the toolkit's chooser keeps its history for all of the user's programs:
+/// in a file, which it is given none of, or on Windows in a place that cannot be moved, which gets back what it held.
+class NoHistory {
+public:
+    NoHistory()
+    {
+#ifdef Q_OS_WIN
+        for (const QString& key : software.allKeys()) {
+            held[key] = software.value(key);
+        }
+#else
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
+#endif
+    }
+#ifdef Q_OS_WIN
+    ~NoHistory()
+    {
+        software.sync();
+        for (const QString& key : software.allKeys()) {
+            if (!held.contains(key)) {
+                software.remove(key);
+            }
+        }
+        for (const auto& [key, value] : held.asKeyValueRange()) {
+            software.setValue(key, value);
+        }
+        if (held.isEmpty()) {
+            software.remove(QString());
+        }
+    }
+    NoHistory(const NoHistory&) = delete;
+    NoHistory& operator=(const NoHistory&) = delete;
+
+private:
+    QSettings software{QStringLiteral("HKEY_CURRENT_USER\\Software\\QtProject"), QSettings::NativeFormat};
+    QMap<QString, QVariant> held;
+#endif
+};
 
 /// The toolkit's chooser, or the desktop's where it has one.
 class Chooser : public QFileDialog {
@@ -23,7 +68,7 @@ public:
     using QFileDialog::QFileDialog;
 
     /// The toolkit may still be listing folders when a path has been typed, and greys the button until it has found the
-    /// name. A path that begins with "/" needs no list.
+    /// name. A whole path needs no list.
     void KeepButtonForPaths()
     {
         field = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
@@ -40,7 +85,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override
     {
         if (event->type() == QEvent::EnabledChange && watched == button && !button->isEnabled() &&
-            field->text().startsWith(u'/')) {
+            QDir::isAbsolutePath(field->text())) {
             button->setEnabled(true);
         }
         return QFileDialog::eventFilter(watched, event);
@@ -53,20 +98,19 @@ private:
 
 bool KeepsItsBytes(const std::string& path)
 {
-    const QByteArray bytes = QByteArray::fromStdString(path);
-    return QFile::encodeName(QFile::decodeName(bytes)) == bytes;
+    return PathOfText(TextOfPath(path)) == path;
 }
 
 QString StartFolder(std::string path)
 {
     while (!path.empty() && (!IsFolder(path) || !KeepsItsBytes(path))) {
-        const size_t slash = path.find_last_of('/');
+        const size_t slash = path.find_last_of(separators);
         if (slash == std::string::npos) {
             return QDir::currentPath();
         }
         path.resize(slash == 0 && path.size() > 1 ? 1 : slash);
     }
-    return path.empty() ? QDir::currentPath() : QFile::decodeName(QByteArray::fromStdString(path));
+    return path.empty() ? QDir::currentPath() : TextOfPath(path);
 }
 
 // "Name (*.ext)|*.ext|..." in the toolkit's form. The name keeps its own brackets; the pattern behind it is not shown.
@@ -87,7 +131,7 @@ bool MayReplace(const std::string& path, const QString& shown)
         ShowMessage(BoxIcon::Warning, "Can't overwrite file.\nFile is marked read only.");
         return false;
     }
-    if (!QFileInfo::exists(QFile::decodeName(QByteArray::fromStdString(path))) && !IsPlainFile(path)) {
+    if (!QFileInfo::exists(TextOfPath(path)) && !IsPlainFile(path)) {
         return true;
     }
     return AskToReplace(shown.toStdString());
@@ -97,15 +141,14 @@ bool MayReplace(const std::string& path, const QString& shown)
 
 bool ChooseFile(const FileChooser& chooser, std::string* path)
 {
-    // The toolkit's chooser would keep its history in a file of the user's; the program stores nothing between runs.
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
+    const NoHistory none;
     Chooser dialog(OwnerOfBoxes(), QString::fromStdString(chooser.Title), StartFolder(chooser.StartIn));
     dialog.setObjectName(QStringLiteral("cdlFile"));
     dialog.setOptions(QFileDialog::DontConfirmOverwrite | QFileDialog::HideNameFilterDetails);
     dialog.setAcceptMode(chooser.Save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setNameFilters(NameFilters(chooser.Filter));
-    const QFileInfo preset(QFile::decodeName(QByteArray::fromStdString(chooser.FileName)));
+    const QFileInfo preset(TextOfPath(chooser.FileName));
     if (!chooser.FileName.empty()) {
         dialog.selectFile(preset.dir().exists() ? preset.filePath() : preset.fileName());
     }
@@ -113,7 +156,7 @@ bool ChooseFile(const FileChooser& chooser, std::string* path)
     while (dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty()) {
         const QString shown = dialog.selectedFiles().constFirst();
         // A preset name that is not UTF-8 cannot be shown, but it is still the name that the user left standing.
-        *path = shown == preset.filePath() ? chooser.FileName : QFile::encodeName(shown).toStdString();
+        *path = shown == preset.filePath() ? chooser.FileName : PathOfText(shown);
         if (!chooser.Save || MayReplace(*path, QFileInfo(shown).fileName())) {
             return true;
         }

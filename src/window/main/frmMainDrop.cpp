@@ -2,12 +2,14 @@
 #include <QDropEvent>
 #include <QMimeData>
 #include <QTimer>
+#include <QUrl>
 
 #include "app/modFrontEnd.h"
 #include "app/modMisc.h"
 #include "main/frmMain.h"
 #include "modCommand.h"
 #include "model/modStrings.h"
+#include "modPaths.h"
 
 namespace {
 
@@ -19,15 +21,18 @@ std::string FirstFile(const QMimeData& data)
         if (line.isEmpty() || line.startsWith('#')) {
             continue;
         }
-        if (!line.toLower().startsWith("file:")) {
+        // Whatever stands for no part of an address belongs to the path.
+        const QUrl url = QUrl::fromEncoded(line.toPercentEncoding("/:@!$&'()*+,;=[]").replace("%25", "%"));
+        if (!url.isLocalFile()) {
             return {};
         }
-        line.remove(0, 5);
-        if (line.startsWith("//")) {
-            const qsizetype path = line.indexOf('/', 2);
-            line.remove(0, path < 0 ? line.size() : path);
-        }
-        return std::string(TextBeforeNull(QByteArray::fromPercentEncoding(line).toStdString()));
+#ifdef Q_OS_WIN
+        const std::string path = PathOfText(url.toLocalFile());
+#else
+        // A name need not be UTF-8.
+        const std::string path = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toUtf8()).toStdString();
+#endif
+        return std::string(TextBeforeNull(path));
     }
     return {};
 }

@@ -39,24 +39,30 @@ int32_t KeyInRow(const KeyRow& row, quint32 scan)
     return held ? row.Keys[scan - row.First] : 0;
 }
 
+/// Where a key lies, as X counts the places; 0 where the system does not tell. Windows counts eight less.
+quint32 PlaceOf(const QKeyEvent& event)
+{
+    static const QString system = QGuiApplication::platformName();
+    const quint32 scan = event.nativeScanCode();
+    if (system == QStringLiteral("windows")) {
+        return scan == 0 ? 0 : scan + 8;
+    }
+    return system == QStringLiteral("xcb") || system.startsWith(QStringLiteral("wayland")) ? scan : 0;
+}
+
 /// The code of the key under the finger where the layout gives none: a digit that Shift or the layout has made a sign,
 /// a letter of an alphabet other than the Latin one. 0 for other keys.
 int32_t CodeOfPlace(const QKeyEvent& event)
 {
-    static const bool known = QGuiApplication::platformName() == QStringLiteral("xcb") ||
-                              QGuiApplication::platformName().startsWith(QStringLiteral("wayland"));
-    if (!known) {
-        return 0;
-    }
     constexpr int lastLatin = 0x24F;
     if (event.key() > lastLatin && event.key() < Qt::Key_Escape) {
         for (const KeyRow& row : letterRows) {
-            if (const int32_t key = KeyInRow(row, event.nativeScanCode())) {
+            if (const int32_t key = KeyInRow(row, PlaceOf(event))) {
                 return key;
             }
         }
     }
-    return KeyInRow(digitRow, event.nativeScanCode());
+    return KeyInRow(digitRow, PlaceOf(event));
 }
 
 int32_t CodeOf(const QKeyEvent& event)

@@ -1,7 +1,5 @@
 #include "main/frmView.h"
 
-#include <GL/gl.h>
-
 #include <QGuiApplication>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
@@ -9,6 +7,7 @@
 
 #include "app/modFrontEnd.h"
 #include "app/modGuard.h"
+#include "modGL.h"
 #include "modOpenGL.h"
 #include "modViewFlags.h"
 

@@ -1,0 +1,20 @@
+# What the system reads out of a program's file: icon, version, manifest.
+
+enable_language(RC)
+find_program(CONVERT convert REQUIRED)
+set(ICON ${CMAKE_BINARY_DIR}/beastwright.ico)
+set(ICON_PICTURES)
+foreach(size 16 24 32 48 64 128 256)
+  list(APPEND ICON_PICTURES ${CMAKE_SOURCE_DIR}/assets/icon/beastwright-${size}.png)
+endforeach()
+add_custom_command(OUTPUT ${ICON} COMMAND ${CONVERT} ${ICON_PICTURES} ${ICON} DEPENDS ${ICON_PICTURES} VERBATIM)
+add_custom_target(beastwright_icon DEPENDS ${ICON})
+
+function(add_resources TARGET DESCRIPTION)
+  set(MANIFEST ${CMAKE_BINARY_DIR}/${TARGET}.manifest)
+  configure_file(${CMAKE_SOURCE_DIR}/packaging/windows/program.manifest.in ${MANIFEST} @ONLY)
+  configure_file(${CMAKE_SOURCE_DIR}/packaging/windows/program.rc.in ${CMAKE_BINARY_DIR}/${TARGET}.rc @ONLY)
+  set_source_files_properties(${CMAKE_BINARY_DIR}/${TARGET}.rc PROPERTIES OBJECT_DEPENDS "${MANIFEST};${ICON}")
+  target_sources(${TARGET} PRIVATE ${CMAKE_BINARY_DIR}/${TARGET}.rc)
+  add_dependencies(${TARGET} beastwright_icon)
+endfunction()
