@@ -7,6 +7,8 @@ build_packages="g++ cmake ninja-build ccache qt6-base-dev libqt6opengl6-dev libg
 run_packages="libgl1-mesa-dri fonts-dejavu-core fonts-liberation"
 headless_packages="xvfb xauth openbox"
 test_packages="libgtest-dev libgmock-dev"
+windows_packages="g++-mingw-w64-x86-64-posix cmake ninja-build ccache libcli11-dev nlohmann-json3-dev"
+wine_packages="wine wine64 googletest"
 picture_packages="xdotool x11-utils imagemagick"
 
 say() { printf '\n== %s\n' "$*"; }
@@ -41,6 +43,18 @@ build_preset() {
     }
     rm -f "$log"
     (cd "$root" && cmake --build --preset "$preset" ${*:+--target "$@"})
+}
+
+# Runs a program of Windows with a folder of Wine's own: in_wine FOLDER PROGRAM [ARGUMENT ...]
+in_wine() {
+    local -x WINEPREFIX=$1 WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+    shift
+    if [ ! -e "$WINEPREFIX/system.reg" ]; then
+        mkdir -p "$WINEPREFIX"
+        wineboot -i >/dev/null 2>&1
+        wineserver -w
+    fi
+    wine "$@"
 }
 
 # Starts a virtual screen with a small window manager, sets DISPLAY, and ends both when the script ends.

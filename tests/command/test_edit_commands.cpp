@@ -271,6 +271,8 @@ TEST_F(Commands, OneFailureDoesNotStopTheOthers)
     if (!onWindows) {
         EXPECT_EQ(Run("report a.mvm | head -n 1").Errors, "") << "a reader who goes ends it silently";
     }
+    EXPECT_EQ(Run("normals ./?.mvm --mesh 2 --in-place").Output,
+              "./a.mvm: 0 vertices changed\n./c.mvm: 0 vertices changed\n");
     EXPECT_EQ(Run("mirror a.mvm -o q --quiet").Output, "");
     EXPECT_THAT(Run("mirror a.mvm -o q --verbose").Errors, HasSubstr("bwrt: a.mvm: 2 : 1\n"));
     EXPECT_EQ(Run("--help").Code, 0);

@@ -1,5 +1,6 @@
 #include "modCommandLine.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -14,6 +15,29 @@ namespace {
 
 UINT outputBefore = 0;
 
+/// Adds a word, or the files that fit it, in order: what a shell does on other systems.
+void AddWord(const std::wstring& word, std::vector<std::string>* words)
+{
+    const size_t start = WideNameStart(word);
+    std::vector<std::wstring> names;
+    if (word.find_first_of(L"*?", start) != std::wstring::npos) {
+        WIN32_FIND_DATAW entry{};
+        const FoundFiles files(word, &entry);
+        for (bool more = files.Any(); more; more = files.Next(&entry)) {
+            if ((entry.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_HIDDEN)) == 0) {
+                names.emplace_back(entry.cFileName);
+            }
+        }
+    }
+    std::sort(names.begin(), names.end());
+    for (const std::wstring& name : names) {
+        words->push_back(Utf8Text(word.substr(0, start) + name));
+    }
+    if (names.empty()) {
+        words->push_back(Utf8Text(word));
+    }
+}
+
 } // namespace
 
 std::vector<std::string> CommandLineArguments(int /*argc*/, char** /*argv*/)
@@ -23,7 +47,7 @@ std::vector<std::string> CommandLineArguments(int /*argc*/, char** /*argv*/)
     // The words that main gets have lost what the present code page does not have.
     wchar_t** const wide = CommandLineToArgvW(GetCommandLineW(), &count);
     for (int index = 1; wide != nullptr && index < count; ++index) {
-        words.push_back(Utf8Text(wide[index]));
+        AddWord(wide[index], &words);
     }
     LocalFree(wide);
     return words;

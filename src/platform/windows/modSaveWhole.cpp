@@ -123,13 +123,14 @@ struct Saving {
     bool Torn = false;             ///< the target could not be given its old content back: the guard holds it
 };
 
-/// Makes the target that to which a link leads.
+/// Makes the target that to which a link leads. Not all links show by their attributes: what is opened tells its path.
 bool FollowLink(std::wstring* target)
 {
     const DWORD attributes = GetFileAttributesW(target->c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
+    if (attributes == INVALID_FILE_ATTRIBUTES) {
         return true;
     }
+    const bool isLink = (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     const OwnedHandle file(CreateFileW(target->c_str(), FILE_READ_ATTRIBUTES,
                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
                                        FILE_FLAG_BACKUP_SEMANTICS, nullptr));
@@ -137,7 +138,7 @@ bool FollowLink(std::wstring* target)
     std::wstring path(size, L'\0');
     const DWORD length = size > 0 ? GetFinalPathNameByHandleW(file.Value, path.data(), size, FILE_NAME_NORMALIZED) : 0;
     if (length == 0 || length >= size) {
-        return false;
+        return !isLink;
     }
     path.resize(length);
     *target = path;
