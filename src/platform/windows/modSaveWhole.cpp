@@ -222,7 +222,8 @@ bool CopyInto(HANDLE to, const std::wstring& path, std::vector<char>* buffer)
     return Finish(to, good);
 }
 
-/// Makes the guard a complete copy of the target. False, with the last error set and nothing left, when it fails.
+/// Makes a guard of the save a complete copy of the target. False, with the last error set and nothing left, when it
+/// fails.
 bool CopyToGuard(const Guard& guard, Saving* saving)
 {
     HANDLE const file = StepOpenNew(guard.Path, FILE_ATTRIBUTE_NORMAL);
@@ -249,7 +250,8 @@ bool CopyAnywhere(Saving* saving)
     for (int number = 0; number < mostTries; ++number) {
         const std::wstring path =
             folder + L"beastwright-guard-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(number);
-        if (CopyToGuard({path, Utf8Text(path)}, saving)) {
+        saving->Spare = {path, Utf8Text(path)};
+        if (CopyToGuard(saving->Spare, saving)) {
             return true;
         }
         if (GetLastError() != ERROR_FILE_EXISTS) {
