@@ -107,8 +107,7 @@ bool AreSeparate(const std::vector<std::string>& models)
     return true;
 }
 
-} // namespace
-
+/// Reads the alias files, which serve all models of a call.
 void ReadAliasesOnce()
 {
     static bool read = false;
@@ -119,6 +118,8 @@ void ReadAliasesOnce()
         FileSpokenOf = file;
     }
 }
+
+} // namespace
 
 bool OpenModel(const std::string& path)
 {

@@ -14,8 +14,6 @@
 /// what is wrong and gives false when it could not be read whole, or when it holds no model.
 [[nodiscard]] bool OpenModel(const std::string& path);
 inline bool AliasesWanted = true;
-/// Reads the alias files, once.
-void ReadAliasesOnce();
 
 /// Where a command writes the model that it changed.
 struct SaveTarget {
@@ -27,6 +25,7 @@ struct SaveTarget {
                             const std::vector<std::string>& others = {});
 /// Saves the scene as the window does; assignments that the file cannot keep are told.
 [[nodiscard]] bool SaveModel(const std::string& model, const SaveTarget& target);
+
 enum class WrittenKind { Model, Weights, Picture, Alias };
 /// Says why a file should not be written, and gives false: it is one of those that the command reads, it is read-only,
 /// or something of another kind has its name.

@@ -268,7 +268,7 @@ void CompareAssignments(const MvmMesh& old, const MvmMesh& now, const std::vecto
 
 KeptModel TakeModel()
 {
-    KeptModel kept{.SkinMesh = SkinMesh, .ShadowMesh = ShadowMesh};
+    KeptModel kept;
     std::swap(kept.Bones, Bones);
     std::swap(kept.Materials, Materials);
     std::swap(kept.Meshes, Meshes);

@@ -12,8 +12,6 @@ struct KeptModel {
     Array1<MvmMaterial> Materials{};
     Array1<MvmMesh> Meshes{};
     Array1<MvmInstance> Instances{};
-    int16_t SkinMesh = 0;
-    int16_t ShadowMesh = 0;
 };
 /// Moves the records out of the scene and forgets the rest of it.
 [[nodiscard]] KeptModel TakeModel();
