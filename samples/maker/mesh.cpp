@@ -78,9 +78,9 @@ std::vector<int> Joined(const Mesh& mesh, const Holds& holds)
             }
         }
     }
-    std::vector<int> result;
-    for (int i = 0; i < static_cast<int>(roots.size()); ++i) {
-        result.push_back(rootOf(i));
+    std::vector<int> result(roots.size());
+    for (size_t i = 0; i < roots.size(); ++i) {
+        result[i] = rootOf(static_cast<int>(i));
     }
     return result;
 }
