@@ -105,6 +105,7 @@ ExitCode RunCommandLine()
     AddAliasCommands(&program);
     AddWeightsCommands(&program);
     AddNewCommand(&program);
+    AddConvertCommand(&program);
     AddPictureCommand(&program);
     std::vector<std::string> words = WithPlainNames(program);
     std::reverse(words.begin(), words.end()); // as the library takes them

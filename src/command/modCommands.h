@@ -16,4 +16,5 @@ void AddEditCommands(CLI::App* program);
 void AddAliasCommands(CLI::App* program);
 void AddWeightsCommands(CLI::App* program);
 void AddNewCommand(CLI::App* program);
+void AddConvertCommand(CLI::App* program);
 void AddPictureCommand(CLI::App* program);

@@ -52,6 +52,8 @@ const char* NameOf(WrittenKind kind)
         return "model";
     case WrittenKind::Weights:
         return "weights file";
+    case WrittenKind::Gltf:
+        return "glTF file";
     default:
         return "PNG picture";
     }
@@ -73,6 +75,12 @@ bool IsOfKind(const std::string& path, WrittenKind kind)
     start.resize(size);
     if (kind == WrittenKind::Weights || kind == WrittenKind::Picture) {
         return start.empty() || start.starts_with(kind == WrittenKind::Weights ? "BWRT" : "\x89PNG");
+    }
+    if (kind == WrittenKind::Gltf) {
+        const size_t first = start.find_first_not_of(" \t\r\n");
+        const bool isText =
+            first != std::string::npos && start[first] == '{' && start.find("\"asset\"") != std::string::npos;
+        return start.empty() || start.starts_with("glTF") || isText;
     }
     const auto holds = [&](const char* keyword) { return HoldsAnyCase(start, keyword); };
     const bool named = holds("fileinfo") || holds("bone ") || holds("mesh ") || holds("skin ") || holds("material ");

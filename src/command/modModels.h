@@ -26,7 +26,7 @@ struct SaveTarget {
 /// Saves the scene as the window does; assignments that the file cannot keep are told.
 [[nodiscard]] bool SaveModel(const std::string& model, const SaveTarget& target);
 
-enum class WrittenKind { Model, Weights, Picture, Alias };
+enum class WrittenKind { Model, Weights, Picture, Alias, Gltf };
 /// Says why a file should not be written, and gives false: it is one of those that the command reads, it is read-only,
 /// or something of another kind has its name.
 [[nodiscard]] bool MayWrite(const std::string& out, WrittenKind kind, const std::vector<std::string>& read);

@@ -15,7 +15,6 @@ struct ExchangeBone {
     std::string Name{};
     int32_t Parent = -1; ///< index into Bones; a parent may stand behind its children
     Vec3 Head{};         ///< place in the scene
-    bool IsJoint = true; ///< vertices can belong to it
 };
 
 /// A picture as a file holds it.
@@ -59,6 +58,7 @@ struct ExchangePlacement {
 struct ExchangeMesh {
     std::string Name{};
     bool IsSkinned = false;
+    std::vector<int32_t> Joints{}; ///< of a skinned mesh: indices into Bones
     /// A skinned mesh has exactly one. The first is the one that tells where the vertices are in the scene.
     std::vector<ExchangePlacement> Placements{};
     std::vector<ExchangeVertex> Vertices{};
@@ -77,3 +77,6 @@ struct ExchangeModel {
 /// A sum over all that a mesh's file form says of its shape: vertices, triangles, and the names of its bones and
 /// materials. Equal for what was written and what is read from it, and different, but for chance, for anything else.
 [[nodiscard]] std::string ShapeSum(const ExchangeModel& model, const ExchangeMesh& mesh);
+
+/// Puts the vertices of each part together, parts and vertices in the order in which triangles first name them.
+void GroupByPart(ExchangeMesh* mesh);
