@@ -181,6 +181,8 @@ void AddImages(const ExchangeModel& model, bool inside, Writer* writer)
             image.bufferView = writer->StartView(0);
             writer->Bytes.insert(writer->Bytes.end(), picture.Bytes.begin(), picture.Bytes.end());
             writer->EndView();
+        } else {
+            image.uri = picture.Name.empty() ? "picture" : picture.Name; // until the files have names
         }
         writer->File.images.push_back(std::move(image));
         tinygltf::Texture texture;
@@ -408,7 +410,7 @@ bool GltfFilesOf(const ExchangeModel& model, const std::string& stem, std::vecto
     std::ostringstream stream;
     tinygltf::TinyGLTF().WriteGltfSceneToStream(&writer.File, stream, false, false);
     Json text = Json::parse(std::move(stream).str());
-    files->emplace_back();
+    files->assign(1, {}); // the text, when all names are known
     files->push_back({stem + ".bin", std::string(writer.Bytes.begin(), writer.Bytes.end())});
     text["buffers"] = {{{"byteLength", writer.Bytes.size()}, {"uri", AsUri(files->back().Name)}}};
     for (size_t i = 0; i < model.Images.size(); ++i) {
