@@ -3,11 +3,11 @@
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
 build_packages="g++ cmake ninja-build ccache qt6-base-dev libqt6opengl6-dev libgl-dev libglu1-mesa-dev libegl-dev libpng-dev
-    libcli11-dev nlohmann-json3-dev"
+    libcli11-dev nlohmann-json3-dev libassimp-dev libstb-dev libtinygltf-dev"
 run_packages="libgl1-mesa-dri fonts-dejavu-core fonts-liberation"
 headless_packages="xvfb xauth openbox"
-test_packages="libgtest-dev libgmock-dev"
-windows_packages="g++-mingw-w64-x86-64-posix cmake ninja-build ccache libcli11-dev nlohmann-json3-dev"
+test_packages="libgtest-dev libgmock-dev assimp-testmodels"
+windows_packages="g++-mingw-w64-x86-64-posix cmake ninja-build ccache libcli11-dev nlohmann-json3-dev libstb-dev"
 wine_packages="wine wine64 googletest"
 picture_packages="xdotool x11-utils imagemagick"
 

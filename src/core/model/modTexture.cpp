@@ -17,8 +17,16 @@
 
 namespace {
 
-/// Finds the file of a map: the path as the model gives it, with either separator, then its name in the model's folder,
-/// at last in any case of letters. Gives empty text and logs a line when there is none; empty text for an empty name.
+int16_t FailTexture(const std::string& colorFile, const std::string& description)
+{
+    ProgressShow();
+    ShowMessage(BoxIcon::Stop, "Runtime error in LoadTexture\n" + description + "\n\"" + colorFile +
+                                   "\"\r\nMake sure your textures have power-of-two dimensions!");
+    return 0;
+}
+
+} // namespace
+
 std::string FindMap(const std::string& map, const std::string& folder, FolderNames* names)
 {
     if (map.empty()) {
@@ -45,16 +53,6 @@ std::string FindMap(const std::string& map, const std::string& folder, FolderNam
     LogLine("Texture \"" + asGiven + "\" not found.");
     return {};
 }
-
-int16_t FailTexture(const std::string& colorFile, const std::string& description)
-{
-    ProgressShow();
-    ShowMessage(BoxIcon::Stop, "Runtime error in LoadTexture\n" + description + "\n\"" + colorFile +
-                                   "\"\r\nMake sure your textures have power-of-two dimensions!");
-    return 0;
-}
-
-} // namespace
 
 bool LoadMaterialTexture(const MvmMaterial& material, const std::string& folder, FolderNames* names, int16_t* texture)
 {

@@ -8,6 +8,10 @@
 
 inline bool TexturesWanted = true; ///< a load of a model takes its pictures too
 
+/// Finds the file of a map: the path as the model gives it, with either separator, then its name in the model's folder,
+/// at last in any case of letters. Gives empty text and logs a line when there is none; empty text for an empty name.
+/// `folder` ends with a separator; `names` is empty for the first question about it.
+[[nodiscard]] std::string FindMap(const std::string& map, const std::string& folder, FolderNames* names);
 /// Makes a texture from the maps of a material, looked for in `folder` too, which ends with a separator. *texture is
 /// its number, 0 for one that cannot be used; false when there is no colour map to be found. Problems go to the Info
 /// Log. `names` is empty for the first question about a folder.
