@@ -296,6 +296,12 @@ void ReadImages(const tinygltf::Model& file, ExchangeModel* model)
     }
 }
 
+/// What light from 0 to 1 is as a shown value (IEC 61966-2-1, sRGB).
+double ShownOf(double light)
+{
+    return light <= 0.0031308 ? light * 12.92 : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
+}
+
 void ReadMaterials(const tinygltf::Model& file, ExchangeModel* model)
 {
     for (const tinygltf::Material& own : file.materials) {
@@ -304,7 +310,7 @@ void ReadMaterials(const tinygltf::Model& file, ExchangeModel* model)
         material.HasOpacity = own.alphaMode != "OPAQUE";
         const auto& surface = own.pbrMetallicRoughness;
         for (size_t i = 0; i < 3 && surface.baseColorFactor.size() >= 3; ++i) {
-            material.Color[i] = static_cast<float>(std::clamp(surface.baseColorFactor[i], 0.0, 1.0));
+            material.Color[i] = static_cast<float>(ShownOf(std::clamp(surface.baseColorFactor[i], 0.0, 1.0)));
         }
         const int texture = surface.baseColorTexture.index;
         if (texture >= 0 && static_cast<size_t>(texture) < file.textures.size()) {

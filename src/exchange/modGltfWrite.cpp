@@ -198,13 +198,20 @@ void AddImages(const ExchangeModel& model, bool inside, Writer* writer)
     }
 }
 
+/// What a shown value from 0 to 1 is as light (IEC 61966-2-1, sRGB), which factors are in.
+double LinearOf(double shown)
+{
+    return shown <= 0.04045 ? shown / 12.92 : std::pow((shown + 0.055) / 1.055, 2.4);
+}
+
 void AddMaterials(const ExchangeModel& model, Writer* writer)
 {
     for (const ExchangeMaterial& own : model.Materials) {
         tinygltf::Material material;
         material.name = own.Name;
         material.pbrMetallicRoughness.metallicFactor = 0;
-        material.pbrMetallicRoughness.baseColorFactor = {own.Color[0], own.Color[1], own.Color[2], 1};
+        material.pbrMetallicRoughness.baseColorFactor = {LinearOf(own.Color[0]), LinearOf(own.Color[1]),
+                                                         LinearOf(own.Color[2]), 1};
         material.pbrMetallicRoughness.baseColorTexture.index = own.Image;
         material.alphaMode = own.HasOpacity ? "MASK" : "OPAQUE";
         writer->File.materials.push_back(std::move(material));
