@@ -4,7 +4,7 @@
 
 extern "C" const char __ImageBase;
 
-// The libraries are in the program too, behind all that is ours.
+// The libraries are in the program too, behind the layers below the windows; those lie among the toolkit's functions.
 void allocation::CountProgramOnly()
 {
     From = &__ImageBase;
