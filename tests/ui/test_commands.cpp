@@ -420,6 +420,13 @@ TEST(Commands, OfPagesThatTheDesktopOpens)
             QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "setSource");
             QDesktopServices::setUrlHandler(QStringLiteral("https"), this, "setSource");
         }
+        ~Reader() override
+        {
+            QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
+            QDesktopServices::unsetUrlHandler(QStringLiteral("https"));
+        }
+        Reader(const Reader&) = delete;
+        Reader& operator=(const Reader&) = delete;
 
     protected:
         void doSetSource(const QUrl& url, QTextDocument::ResourceType /*type*/) override
