@@ -87,14 +87,17 @@ TEST(FileChoosers, StartWhereTheyAreToldAndGuardWhatIsThere)
     const auto save = [](QDialog* dialog) {
         QTest::mouseClick(Part<QDialogButtonBox>(dialog, "buttonBox")->button(QDialogButtonBox::Save), Qt::LeftButton);
     };
+    const std::string withSlashes =
+        QDir(QString::fromStdString(folder.Path)).filePath(QStringLiteral("sub")).toStdString();
+    const std::string drive = QDir::currentPath().section(u'/', 0, 0).toStdString(); // empty where there are none
     const std::tuple<bool, std::string, std::string, std::deque<Step>, std::string> cases[] = {
         {false, folder.Path, "", {Step("Title|open ~/||Models (*.mvm) > ~/a.mvm", lists)}, folder / "a.mvm"},
         {false, folder / "a.mvm", "", {"Title|open ~/|... > new"}, folder / "new"},
-        {false, folder / "sub", "", {"Title|open ~/sub/|... > \u00e9"}, folder / "sub/\u00e9"},
+        {false, withSlashes, "", {"Title|open ~/sub/|... > \u00e9"}, folder / "sub/\u00e9"},
         {false, folder / "gone/away/x.mvm", "", {"Title|open ~/|... > Esc"}, "none"},
         {false, folder / "bad\xFF/x.mvm", "", {"Title|open ~/|... > Esc"}, "none"},
         {false, "", "", {"Title|open " + QDir::currentPath().toStdString() + "/|... > Esc"}, "none"},
-        {false, "/none", "", {"Title|open //|... > Esc"}, "none"},
+        {false, drive + "/none", "", {"Title|open " + drive + "//|... > Esc"}, "none"},
         {true, folder.Path, "", {"Title|save ~/|... > new"}, folder / "new"},
         {true,
          folder.Path,
@@ -111,6 +114,7 @@ TEST(FileChoosers, StartWhereTheyAreToldAndGuardWhatIsThere)
                   wanted != "none");
         EXPECT_EQ(path, wanted);
     }
+    std::filesystem::permissions(folder / "locked.mvm", std::filesystem::perms::owner_all); // else it stays on Windows
 }
 
 TEST(NewModel, GoesOnOnlyWithAPresetAndAModelAndStopsWhenClosed)
