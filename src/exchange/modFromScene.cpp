@@ -5,6 +5,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "checks/modCheckModel.h"
 #include "modCodePage.h"
 #include "modExchangeNames.h"
 #include "modFileListing.h"
@@ -162,9 +163,10 @@ void AddMeshes(ExchangeModel* model, std::vector<MeshRecord>* records)
                 mesh.MeshMaterials.Has(number) ? inFile[static_cast<size_t>(number) - 1] : -1;
         }
         if (!left.empty()) {
-            model->Notes.push_back(std::to_string(left.size()) + " of the " + std::to_string(mesh.FaceCount()) +
-                                   " faces of \"" + Utf8FromCodePage(mesh.Name) +
-                                   "\" name a vertex twice or one that is not there; only the record has them.");
+            model->Notes.push_back(Counted(static_cast<int64_t>(left.size()), "face", "faces") + " of \"" +
+                                   Utf8FromCodePage(mesh.Name) + "\" " +
+                                   Verb(static_cast<int64_t>(left.size()), "stays", "stay") +
+                                   " behind, in the record alone: a vertex is named twice, or is not there.");
         }
         const size_t placed = PlacementsOfMesh(mesh).size();
         if (isSkinned && placed > 1) {
@@ -207,8 +209,8 @@ void TellOfNames(const Array1<T>& records, const std::vector<std::string>& inFil
         changed += Utf8FromCodePage(records.Items[i].Name) != inFile[i] ? 1 : 0;
     }
     if (changed > 0) {
-        notes->push_back(std::to_string(changed) + " names of " + kind +
-                         " are others in the file: it keeps none that is empty, doubled, or longer than 63 bytes.");
+        notes->push_back("The file has other names for " + std::to_string(changed) + " of the " + kind +
+                         ": it keeps none that is empty, doubled, or longer than 63 bytes.");
     }
 }
 

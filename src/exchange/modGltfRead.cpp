@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "app/modMath.h"
+#include "checks/modCheckModel.h"
 #include "modGltfAccessor.h"
 #include "modGltfBytes.h"
 #include "modGltfNodes.h"
@@ -337,8 +338,8 @@ void TellOfLosses(const Reading& reading)
     std::vector<std::string>& notes = reading.Model->Notes;
     if (reading.Loss.Vertices > 0) {
         const double mean = reading.Loss.Dropped / static_cast<double>(reading.Loss.Vertices);
-        notes.push_back(std::to_string(reading.Loss.Vertices) +
-                        " vertices lean on several joints; each goes to the largest. Dropped: " + Percent(mean) +
+        notes.push_back(Counted(static_cast<int64_t>(reading.Loss.Vertices), "vertex leans", "vertices lean") +
+                        " on several joints and goes to the largest. Dropped: " + Percent(mean) +
                         " of their weight on average, " + Percent(reading.Loss.Largest) + " at most.");
     }
     const auto leave = [&](bool wanted, const char* what) {
