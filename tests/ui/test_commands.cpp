@@ -202,6 +202,20 @@ void TakeBack(const UiWindow& window, const std::string& before)
     }
 }
 
+/// Takes back every step by the key. Gives what is said of each, with a "|" where the other list comes up.
+std::string UndoAll(const UiWindow& window)
+{
+    HideInfoLog();
+    window->activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&*window));
+    QString said;
+    for (int16_t target = EditTarget; !said.endsWith(QStringLiteral("Nothing to undo.")); target = EditTarget) {
+        window.Do("key Ctrl+Z");
+        said += (EditTarget == target ? u';' : u'|') + window->panels[0]->text();
+    }
+    return said.remove(QStringLiteral("Undo: ")).toStdString();
+}
+
 /// Starts commands, "widget {dialog} {dialog} = changes", of which each stands behind a line end or " || "; a line that
 /// begins with a blank goes on with the one before. A "*" before the changes stands for a view that is painted anew.
 void Try(UiWindow* window, const char* commands)
@@ -325,6 +339,7 @@ optShadow1 = *row=0 0; status=1:0; target=1 || wheel 120 lstShadowBones =)");
 TEST(Commands, OfEditing)
 {
     UiWindow window(SmallModel());
+    const std::string start = SceneBytes();
     Try(&window, R"(
 tab 1 = *tab=1 || cmdSwap =
 cmdUnAssign {? No bone selected, would you like to unassign all bones? > No} = *
@@ -364,6 +379,13 @@ cmdSelectShadowMesh {Meshes 2 > 0 cmdCancel} = || cmdSelectShadowMesh {Meshes 2 
 cmdUnAssign = || cmdMirror = || cmdSelectShadowMesh {Meshes 0 > 1 cmdOK} = *shadow=1:0000
 cmdSelectSkinMesh {Meshes 3 > 0 cmdOK} = *place=1 0; skin=0: || cmdSelectSkinMesh {Meshes 0 > 1 cmdOK} =
  *place=2 0; skin=1:0000)");
+    EXPECT_EQ(UndoAll(window),
+              ";Select Skin Mesh;Select Skin Mesh;Select Shadow Mesh;Select Shadow Mesh;Select Skin Mesh;Unassign (1 "
+              "vertex);Re-assign (1 vertex)|Mirror (1 vertex);Unassign (1 vertex);Mirror (1 vertex);Unassign (3 "
+              "vertices);Mirror (1 vertex);Load Weights (4 vertices);Unassign (4 vertices);Load Weights (4 "
+              "vertices);Unassign (1 vertex);Unassign (3 vertices);Swap (1 vertex);Swap (4 vertices);Re-assign (3 "
+              "vertices);Nothing to undo.");
+    EXPECT_EQ(SceneBytes(), start);
 }
 
 TEST(Commands, OfTheTools)
@@ -387,6 +409,9 @@ mnuToolsRenameMesh {Meshes 0 > 1 cmdOK} {Rename Mesh|New mesh name:|Body > Esc} 
 mnuToolsRenameMesh {Meshes 0 > 1 cmdOK} {Rename Mesh|... > Bulk} = instances= Bulk/Bulk $Shadow/$Shadow; meshes=
  Bulk/4s $Shadow/0s Plain/0
 mnuToolsReloadTextures = *log=Texture "absent.bmp" not found.; shown=yes)");
+    EXPECT_EQ(UndoAll(window), ";Rename Mesh;Re-generate Normals;Auto-Assign (3 vertices);Nothing to undo.");
+    window.Do("key Ctrl+Shift+Z");
+    EXPECT_EQ(window->panels[0]->text(), QStringLiteral("Redo: Auto-Assign (3 vertices)"));
 }
 
 TEST(Commands, OfOptionsAndHelp)
