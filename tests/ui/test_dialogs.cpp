@@ -184,8 +184,10 @@ TEST(InfoLog, KeepsItsTextWhileItIsHidden)
     EXPECT_TRUE(QTest::qWaitFor([&] { return field->geometry() == QRect(2, 2, 497, 297); }));
     log->close();
     EXPECT_FALSE(IsInfoLogVisible() || log->testAttribute(Qt::WA_QuitOnClose));
+    field->moveCursor(QTextCursor::Start);
     LogLine("later");
     QCoreApplication::processEvents();
+    EXPECT_TRUE(field->textCursor().atEnd()) << "the field scrolls to a new line";
     EXPECT_EQ(field->toPlainText(), text + QStringLiteral("later\n"));
     LogLine("waiting");
     ClearInfoLog();

@@ -4,6 +4,8 @@
 #include "app/modMvmDef.h"
 #include "modCamera.h"
 #include "modDrag.h"
+#include "modPick.h"
+#include "modTryJoint.h"
 #include "support/ui_window.h"
 #include "weights/modEdit.h"
 
@@ -33,7 +35,9 @@ TEST(Gestures, ABoxDoesNotOutliveItsScene)
         EXPECT_FALSE(window->ListDragging);
         return Assigned();
     };
+    PickOnlyFree = TryingJoint = true;
     EXPECT_EQ(boxAround([&] { window->OpenFile(path); }), 0);
+    EXPECT_FALSE(PickOnlyFree || TryingJoint);
     EXPECT_EQ(boxAround([&] { window.Do("mnuFileRevert", {Question + "Yes"}); }), 0);
     window->ListDragging = false;
     EXPECT_GT(boxAround([&] { window->ListDragging = false; }), 0);

@@ -1,6 +1,7 @@
 // What stands where in the window and its dialogs, and what it says.
 
 #include "dialogs/modBoxes.h"
+#include "dialogs/modFit.h"
 #include "modOpenGL.h"
 #include "support/ui_window.h"
 
@@ -109,6 +110,12 @@ TEST(WindowBuild, TheWidgetsHaveTheirPlaces)
             << text.toStdString();
         EXPECT_GE(QFontInfo(part->font()).pixelSize(), text.isEmpty() ? 0 : 9) << text.toStdString();
     }
+    EXPECT_EQ(QFontInfo(window->txtProgress->font()).pixelSize(), 10) << "taller figures are cut";
+    QLabel narrow(QStringLiteral("A caption that has a little less room"));
+    narrow.setFont(WindowFont());
+    narrow.resize(narrow.sizeHint() * 19 / 20 + QSize(0, 9));
+    FitCaption(&narrow);
+    EXPECT_EQ(narrow.font().pixelSize(), 11) << "narrower letters come before smaller ones";
 }
 
 TEST(WindowBuild, TheWidgetsFollowTheSize)
