@@ -118,6 +118,25 @@ TEST(WindowBuild, TheWidgetsHaveTheirPlaces)
     EXPECT_EQ(narrow.font().pixelSize(), 11) << "narrower letters come before smaller ones";
 }
 
+TEST(WindowBuild, TheToolsFollowTheColoursOfTheDesktop)
+{
+    const UiWindow window;
+    const auto ground = [&] { return window->toolButtons[1]->icon().pixmap(16, 16).toImage().pixelColor(0, 0); };
+    const auto shade = [&](size_t tool) { return window->toolButtons[tool]->palette().color(QPalette::Button); };
+    const QColor before = ground();
+    QPalette dark = QApplication::palette();
+    dark.setColor(QPalette::Button, QColor(40, 40, 40));
+    QApplication::setPalette(dark);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(ground(), QColor(224, 224, 224)) << "the lines are dark";
+    EXPECT_NE(shade(0), shade(1)) << "the one that is down stands out";
+    window.Do("arcrot");
+    EXPECT_EQ(shade(0), shade(2));
+    QApplication::setPalette({});
+    QCoreApplication::processEvents();
+    EXPECT_EQ(ground(), before);
+}
+
 TEST(WindowBuild, TheWidgetsFollowTheSize)
 {
     const UiWindow window;
