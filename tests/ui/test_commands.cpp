@@ -295,6 +295,7 @@ key W = *off -ViewIsolines -ViewCullVerts; on +ViewSolid -ViewWire || key V = *o
 key T cmdMirror = *camera=6; orbit=off || key P cmdPlay = *camera=0; orbit=on || key O tabMainHeadings = *camera=1
 focus lstSkinBones = || key T lstSkinBones = || focus select = || key T select = || focus picMain = *
 key P optMode0 = *camera=0 || key Space optMode0 = *mode=0
+key D = *help=There is no mesh to edit.
 key Ctrl+Z = help=Nothing to undo. || key Ctrl+Y = help=Nothing to redo. || key Ctrl+Shift+Z =
 key F11 {Command|Command:| > NoSleep now} = *log=Dedicated mode.; nosleep=yes; shown=yes
 key F11 {Command|Command:|NoSleep now > Esc} = *
@@ -359,13 +360,15 @@ cmdUnAssign {? No bone... > Yes} = *skin=1:0000
 cmdLoadWeights {L... > ~/none} {! File does not exist. > OK} {L... > ~/w.wif} {Load Weights > cmdOK} = *skin=1:3111
 cmdMirror {Mirror Weights > Esc} = || cmdMirror {Mirror Weights > cmdOK} = *log=1 : 2; shown=dirty; skin=1:2111
 cmdMirror {Mirror Weights > chkReassign optMirror1 cmdOK} = *log=2 : 1 || cmdMirror {M... > cmdCancel} =
-row 1 = *bone=1; row=1 -1; status=3:1 || cmdUnAssign = *skin=1:2000
+row 1 = *bone=1; row=1 -1; status=3:1
+key N = *eye=10 -200 0.94 -0.059 -2; help=Vertex 1 of Body: Left02 among Right01; 1 such vertex.
+cmdUnAssign = *skin=1:2000
 cmdMirror {Mirror Weights > optMirror1 cmdOK} = *log=2 : 1; skin=1:2100
 row 2 = *bone=2; row=2 -1; status=1:2 || cmdUnAssign = *skin=1:0100
 cmdMirror {M... > optMirror1 chkReassign chkUnassign chkReassign cmdOK} = *log=2 : 1; skin=1:0000
 key PgUp = *bone=1; help=Active bone: Right01; row=1 -1; status=0:1 || key PgDown = *bone=2; help=Active bone: Left02; row=2 -1; status=0:2
 key N = *help=No vertex of Body stands alone among other bones. || key E = *help=There is no vertex under the pointer.
-key U = *eye=10 -200 0.94 -0.059 -2; help=Vertex 1 of Body; 4 unassigned. || key U = *eye=10 -200 -0.94 0.059 -2; help=Vertex 2 of Body; 4 unassigned.
+key U = *eye=10 -200 -0.94 0.059 -2; help=Vertex 2 of Body; 4 unassigned. || key U = *eye=10 -200 0 -0.985 -2; help=Vertex 3 of Body; 4 unassigned.
 optShadow1 = *bone=0; row=2 0; status=1:0; target=1 || row 1 = *bone=4; row=2 1; status=0:4 || optShadow1 =
 optShadow0 = *bone=2; status=0:2; target=0 || optShadow1 = *bone=4; status=0:4; target=1
 row 2 = *bone=5; row=2 2; status=1:5 || cmdReAssign {Bones 5 > 2 cmdOK} = *bone=2; shadow=2:02; status=1:2
@@ -379,6 +382,7 @@ cmdSelectShadowMesh {Meshes 2 > 0 cmdCancel} = || cmdSelectShadowMesh {Meshes 2 
 cmdUnAssign = || cmdMirror = || cmdSelectShadowMesh {Meshes 0 > 1 cmdOK} = *shadow=1:0000
 cmdSelectSkinMesh {Meshes 3 > 0 cmdOK} = *place=1 0; skin=0: || cmdSelectSkinMesh {Meshes 0 > 1 cmdOK} =
  *place=2 0; skin=1:0000)");
+    Perform("cmdSwap", [] { Perform("Undo", UndoCommand); }); // nothing in the middle of a command
     EXPECT_EQ(UndoAll(window),
               ";Select Skin Mesh;Select Skin Mesh;Select Shadow Mesh;Select Shadow Mesh;Select Skin Mesh;Unassign (1 "
               "vertex);Re-assign (1 vertex)|Mirror (1 vertex);Unassign (1 vertex);Mirror (1 vertex);Unassign (3 "
@@ -402,7 +406,12 @@ mnuToolsStatsBoneNames = log=Bones (5):/Right01; shown=yes
 mnuToolsStatsTextureFilenames = log=Texture Filenames:/absent.bmp; shown=yes
 mnuViewToolsAutoAssign {Meshes 0 > 1 cmdCancel} =
 mnuViewToolsAutoAssign {Meshes 0 > 3 cmdOK} {! Mesh is not a skin. > OK} =
-mnuViewToolsAutoAssign {Meshes 0 > 1 cmdOK} = *skin=1:1231 || mnuViewToolsRegenNormals {Meshes 0 > 0 cmdOK} =
+mnuViewToolsAutoAssign {Meshes 0 > 1 cmdOK} = *skin=1:1231
+key N = *eye=10 -200 0.94 -0.059 -2; help=Vertex 1 of Body: Right01 among Left02; 3 such vertices.
+key N = *eye=10 -200 -0.94 0.059 -2; help=Vertex 2 of Body: Left02 among Right01; 3 such vertices.
+key N = *eye=10 -200 0 -0.985 -2; help=Vertex 3 of Body: Top03 among Right01; 3 such vertices.
+key N = *eye=10 -200 0.94 -0.059 -2; help=Vertex 1 of Body: Right01 among Left02; 3 such vertices.
+mnuViewToolsRegenNormals {Meshes 0 > 0 cmdOK} =
 mnuViewToolsRegenNormals {Meshes 0 > 1 cmdOK} = *meshes= Body/4s $Shadow/0s Plain/0
 mnuToolsRenameMesh {Meshes 0 > 1 cmdCancel} =
 mnuToolsRenameMesh {Meshes 0 > 1 cmdOK} {Rename Mesh|New mesh name:|Body > Esc} =
@@ -462,18 +471,23 @@ mnuFileOpen {O... > ~/none} {! File does not exist. > OK} {Open File|open ~/||..
  rows=NONE,Arm,Left02,Top03|NONE,$j$Low01,$j$High02; shadow=2:05; shown=yes; skin=1:1000; status=3:0; title=BWRT
  0.2.7 - [~/b.mvm]
 tab 1 = *tab=1 || row 1 = *bone=1; row=1 -1; status=1:1 || cmdUnAssign = *skin=1:0000
+key U = *eye=10 -200 0.94 -0.059 -2; help=Vertex 1 of Body; 4 unassigned.
+optShadow1 = *bone=0; row=1 0; status=1:0; target=1 || row 2 = *bone=5; row=1 2; status=1:5
+optShadow0 = *bone=1; status=0:1; target=0
 mnuFileRevert {! Any changes to open files will be lost.|Continue? > No} =
-mnuFileRevert {! Any... > Yes} = *bone=0; row=0 -1; shown=yes; skin=1:1000; status=3:0
+mnuFileRevert {! Any... > Yes} = *bone=0; help=Ready...; row=0 -1; shown=yes; skin=1:1000; status=3:0
+optShadow1 = *row=0 0; status=1:0; target=1 || optShadow0 = *status=3:0; target=0
 mnuFileSaveAs {Save File|save ~/|b.mvm|Morvane Models (*.mvm) > Esc} =
 mnuFileSaveAs {S... > ~/c.mvm} = file=~/c.mvm; files= b.mvm c.mvm; last=~/c.mvm; title=BWRT 0.2.7 - [~/c.mvm]
-cmdUnAssign {? No bone... > Yes} = *skin=1:0000 || mnuFileSave = || mnuFileRevert {! Any... > Yes} = *shown=yes;
+cmdUnAssign {? No bone... > Yes} = *skin=1:0000 || mnuFileSave = || mnuFileRevert {! Any... > Yes} = *row=0 -1; shown=yes;
  status=4:0
+key U = *help=Vertex 1 of Body; 4 unassigned.
 mnuFileOpen {O... > ~/b.mvm} {! Any changes to open files will be lost.|Continue? > Cancel} = last=~/b.mvm
 mnuFileNew {! Any changes to open files will be lost.|Continue? > No} = || mnuFileClose {! Any... > Cancel} =
 mnuFileClose {! Any... > Yes} = *file=; log=; off +FileSave +FileSaveAs +FileRevert +FileClose; open=no;
  rows=NONE|NONE; shadow=0:; skin=0:; status=0:0; title=BWRT 0.2.7
 mnuFileNew {New Vorrel -1 > test cmdBrowse cmdOK} {V... > ~/none} {x Runtime error in LoadMVM|... > OK} {! Cannot
- load skin model file. Please verify the content of this file. > OK} = *last=~/none; place=1 0
+ load skin model file. Please verify the content of this file. > OK} = *help=Ready...; last=~/none; place=1 0
 mnuFileNew {New Vorrel... > cmdCancel} =
 mnuFileNew {New Vorrel -1 > cmdBrowse test cmdOK} {Vorrel Skin Model File|open ~/||Morvane Models (*.mvm) >
  ~/c.mvm} {i Please select the model you want to use as skin. > OK} {Meshes 0 > 3 cmdOK} {! No instance... > OK} =
