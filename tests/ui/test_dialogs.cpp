@@ -83,6 +83,12 @@ TEST(FileChoosers, StartWhereTheyAreToldAndGuardWhatIsThere)
             << "three models of any case and a folder";
         EXPECT_EQ(Part<QComboBox>(dialog, "fileTypeCombo")->itemText(1), QStringLiteral("All Files (*.*)"));
         EXPECT_EQ(qobject_cast<QFileDialog*>(dialog)->nameFilters()[1], QStringLiteral("All Files (*.*) (*)"));
+        auto* open = Part<QDialogButtonBox>(dialog, "buttonBox")->button(QDialogButtonBox::Open);
+        for (const bool whole : {false, true}) {
+            dialog->findChild<QLineEdit*>()->setText(QLatin1String(whole ? "/a.mvm" : "a.mvm"));
+            open->setEnabled(false); // as while the folder is being read
+            EXPECT_EQ(open->isEnabled(), whole);
+        }
     };
     const auto save = [](QDialog* dialog) {
         QTest::mouseClick(Part<QDialogButtonBox>(dialog, "buttonBox")->button(QDialogButtonBox::Save), Qt::LeftButton);
