@@ -35,9 +35,12 @@ TEST(Gestures, ABoxDoesNotOutliveItsScene)
         EXPECT_FALSE(window->ListDragging);
         return Assigned();
     };
-    PickOnlyFree = TryingJoint = true;
-    EXPECT_EQ(boxAround([&] { window->OpenFile(path); }), 0);
-    EXPECT_FALSE(PickOnlyFree || TryingJoint);
+    const auto reopen = [&] {
+        PickOnlyFree = TryingJoint = true;
+        window->OpenFile(path);
+        EXPECT_FALSE(PickOnlyFree || TryingJoint);
+    };
+    EXPECT_EQ(boxAround(reopen), 0);
     EXPECT_EQ(boxAround([&] { window.Do("mnuFileRevert", {Question + "Yes"}); }), 0);
     window->ListDragging = false;
     EXPECT_GT(boxAround([&] { window->ListDragging = false; }), 0);
