@@ -371,11 +371,15 @@ key N = *help=No vertex of Body stands alone among other bones. || key E = *help
 key U = *eye=10 -200 -0.94 0.059 -2; help=Vertex 2 of Body; 4 unassigned. || key U = *eye=10 -200 0 -0.985 -2; help=Vertex 3 of Body; 4 unassigned.
 optShadow1 = *bone=0; row=2 0; status=1:0; target=1 || row 1 = *bone=4; row=2 1; status=0:4 || optShadow1 =
 optShadow0 = *bone=2; status=0:2; target=0 || optShadow1 = *bone=4; status=0:4; target=1
-row 2 = *bone=5; row=2 2; status=1:5 || cmdReAssign {Bones 5 > 2 cmdOK} = *bone=2; shadow=2:02; status=1:2
+row 2 = *bone=5; row=2 2; status=1:5 || cmdSwap {Bones 5 > 4 cmdOK} = *bone=4; row=2 1; shadow=2:04; status=1:4
+cmdSwap {Bones 4 > 5 cmdOK} = *bone=5; row=2 2; shadow=2:05; status=1:5
+cmdReAssign {Bones 5 > 2 cmdOK} = *bone=2; shadow=2:02; status=1:2
 cmdSaveWeights {S... > ~/w.wif} {! w.wif already exists.|Do you want to replace it? > Yes} {i File saved. > OK} =
  log=1 vertex of mesh "$Shadow" of bone "Left02" will belong to bone "$j$High02" after the next load of the model:
  theirs is no shadow bone.; shown=yes
-cmdUnAssign = *shadow=2:00 || cmdSelectSkinMesh {Meshes 1 > 2 cmdCancel} =
+cmdUnAssign = *shadow=2:00
+cmdLoadWeights {L... > ~/w.wif} {Load Weights > cmdOK} = *shadow=2:02 || row 0 = *bone=0; row=2 0; status=1:0
+cmdUnAssign {? No bone... > Yes} = *shadow=2:00 || cmdSelectSkinMesh {Meshes 1 > 2 cmdCancel} =
 cmdSelectSkinMesh {Meshes 1 > 3 cmdOK} {! No instance with the name "Plain" found.... > OK} = *meshes= Body/0s
  $Shadow/0s Plain/0s; skin=3:0
 cmdSelectShadowMesh {Meshes 2 > 0 cmdCancel} = || cmdSelectShadowMesh {Meshes 2 > 0 cmdOK} = *shadow=0:
@@ -385,7 +389,8 @@ cmdSelectSkinMesh {Meshes 3 > 0 cmdOK} = *place=1 0; skin=0: || cmdSelectSkinMes
     Perform("cmdSwap", [] { Perform("Undo", UndoCommand); }); // nothing in the middle of a command
     EXPECT_EQ(UndoAll(window),
               ";Select Skin Mesh;Select Skin Mesh;Select Shadow Mesh;Select Shadow Mesh;Select Skin Mesh;Unassign (1 "
-              "vertex);Re-assign (1 vertex)|Mirror (1 vertex);Unassign (1 vertex);Mirror (1 vertex);Unassign (3 "
+              "vertex);Load Weights (1 vertex);Unassign (1 vertex);Re-assign (1 vertex);Swap (1 vertex);Swap (1 "
+              "vertex)|Mirror (1 vertex);Unassign (1 vertex);Mirror (1 vertex);Unassign (3 "
               "vertices);Mirror (1 vertex);Load Weights (4 vertices);Unassign (4 vertices);Load Weights (4 "
               "vertices);Unassign (1 vertex);Unassign (3 vertices);Swap (1 vertex);Swap (4 vertices);Re-assign (3 "
               "vertices);Nothing to undo.");

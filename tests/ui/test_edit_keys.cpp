@@ -99,6 +99,10 @@ TEST_F(EditKeys, DTurnsAJointForTheEyeAlone)
     QTest::keyRelease(Form().picMain, Qt::Key_D);
     ASSERT_TRUE(QTest::qWaitFor([] { return !TryingJoint; }));
     EXPECT_EQ(picture(), still);
+    QTest::keyPress(Form().picMain, Qt::Key_D);
+    EXPECT_TRUE(TryingJoint);
+    Form().OpenFile(std::string(CurrentFile));
+    EXPECT_FALSE(TryingJoint) << "it does not outlive its scene";
     SetActiveBone(0);
     EXPECT_EQ(Press(Qt::Key_D), "Choose a bone to try its joint.");
     EXPECT_FALSE(TryingJoint);

@@ -5,7 +5,6 @@
 #include "modCamera.h"
 #include "modDrag.h"
 #include "modPick.h"
-#include "modTryJoint.h"
 #include "support/ui_window.h"
 #include "weights/modEdit.h"
 
@@ -36,14 +35,18 @@ TEST(Gestures, ABoxDoesNotOutliveItsScene)
         return Assigned();
     };
     const auto reopen = [&] {
-        PickOnlyFree = TryingJoint = true;
+        PickOnlyFree = true;
         window->OpenFile(path);
-        EXPECT_FALSE(PickOnlyFree || TryingJoint);
+        EXPECT_FALSE(PickOnlyFree);
     };
     EXPECT_EQ(boxAround(reopen), 0);
     EXPECT_EQ(boxAround([&] { window.Do("mnuFileRevert", {Question + "Yes"}); }), 0);
     window->ListDragging = false;
     EXPECT_GT(boxAround([&] { window->ListDragging = false; }), 0);
+    UnassignAll(SkinMesh);
+    boxAround([&] { window->ListDragging = false, EditTarget = 1, std::swap(SkinMesh, ShadowMesh); });
+    std::swap(SkinMesh, ShadowMesh);
+    EXPECT_GT(Assigned(), 0) << "as the shadow";
 }
 
 // The menu that comes up takes the releases.
