@@ -77,6 +77,7 @@ TEST(FileChoosers, StartWhereTheyAreToldAndGuardWhatIsThere)
     }
     std::filesystem::permissions(folder / "locked.mvm", std::filesystem::perms::owner_read);
     std::filesystem::create_directory(folder / "sub");
+    PutFile(folder / "sub/caf\xE9.mvm", "1");
     const auto lists = [](QDialog* dialog) {
         const auto* view = Part<QListView>(dialog, "listView");
         EXPECT_TRUE(QTest::qWaitFor([view] { return view->model()->rowCount(view->rootIndex()) == 4; }))
@@ -109,7 +110,12 @@ TEST(FileChoosers, StartWhereTheyAreToldAndGuardWhatIsThere)
           "! a.mvm already exists.|Do you want to replace it? > No", "T... > ~/a.mvm",
           "! a.mvm already exists.... > Yes"},
          folder / "a.mvm"},
-        {true, "/", folder / "caf\xE9.mvm", {Step("", save)}, folder / "caf\xE9.mvm"}};
+        {true, "/", folder / "caf\xE9.mvm", {Step("", save)}, folder / "caf\xE9.mvm"},
+        {true,
+         "/",
+         folder / "sub/caf\xE9.mvm",
+         {Step("", save), "! caf\uFFFD.mvm already exists.... > Yes"},
+         folder / "sub/caf\xE9.mvm"}};
     for (const auto& [saves, startIn, fileName, steps, wanted] : cases) {
         const Script script(steps);
         std::string path = "none";

@@ -49,6 +49,25 @@ TEST(Gestures, ABoxDoesNotOutliveItsScene)
     EXPECT_GT(Assigned(), 0) << "as the shadow";
 }
 
+TEST(Gestures, OnlyTheLeftButtonOfTheSelectToolAssignsAndOnlyWhileEditing)
+{
+    const UiWindow window(BoardModel(9));
+    window.Edit(1);
+    const auto box = [&](Qt::MouseButton button) {
+        QTest::mousePress(window->picMain, button, {}, {2, 2});
+        QTest::mouseRelease(window->picMain, button, {}, window->picMain->rect().bottomRight());
+        return Assigned();
+    };
+    EXPECT_EQ(box(Qt::MiddleButton), 0);
+    window.Do("zoom");
+    EXPECT_EQ(box(Qt::LeftButton), 0);
+    window.Do("select");
+    window.Do("tab 0");
+    EXPECT_EQ(box(Qt::LeftButton), 0);
+    window.Do("tab 1");
+    EXPECT_GT(box(Qt::LeftButton), 0);
+}
+
 // The menu that comes up takes the releases.
 TEST(Gestures, AReleaseOverTheCameraMenuEndsTheDrag)
 {
