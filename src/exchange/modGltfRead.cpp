@@ -236,6 +236,13 @@ void PlaceSkinned(const SkinInFile& skin, const std::string& name, ExchangeMesh*
     }
 }
 
+/// Instances that are mirrored come so; nodes of other programs that mirror on one axis do not.
+bool HasNegativeScale(const tinygltf::Node& node)
+{
+    const std::vector<double>& scale = node.scale;
+    return scale.size() == 3 && scale[0] < 0 && scale[0] == scale[1] && scale[1] == scale[2];
+}
+
 /// Reads the mesh of a node, or one more place of it. `known` has the meshes read so far that are not skinned.
 bool ReadNode(Reading* reading, int node, std::map<int, size_t>* known)
 {
@@ -249,7 +256,10 @@ bool ReadNode(Reading* reading, int node, std::map<int, size_t>* known)
     }
     const SkinInFile* const skin = own.skin < 0 ? nullptr : &reading->Skins[static_cast<size_t>(own.skin)];
     const Matrix& world = reading->Tree.Worlds[static_cast<size_t>(node)];
-    const std::optional<Placing> placing = PlacingOf(world);
+    std::optional<Placing> placing = PlacingOf(world);
+    if (placing && placing->Scale < 0 && !HasNegativeScale(own)) {
+        placing.reset();
+    }
     const auto before = known->find(own.mesh);
     if (skin == nullptr && placing && before != known->end()) {
         reading->Model->Meshes[before->second].Placements.push_back(

@@ -73,6 +73,7 @@ ExchangeVertex CornerOf(const MvmMesh& mesh, const MvmFace& face, size_t corner,
     ExchangeVertex vertex;
     vertex.Place = mesh.Vertices[number];
     vertex.Normal = UnitNormal(mesh, face, corner);
+    vertex.TexCoord = {0, 1}; // 0, 0 of the model
     if (mesh.TexCoords.Has(face.TexCoord[corner])) {
         const Vec2& pair = mesh.TexCoords[face.TexCoord[corner]];
         vertex.TexCoord = {pair.U, 1 - pair.V};
