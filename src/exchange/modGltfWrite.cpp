@@ -423,7 +423,6 @@ bool GltfFilesOf(const ExchangeModel& model, const std::string& stem, std::vecto
     for (size_t i = 0; i < model.Images.size(); ++i) {
         const ExchangeImage& image = model.Images[i];
         files->push_back({stem + "-" + std::to_string(i + 1) + (IsPng(image) ? ".png" : ".jpg"), image.Bytes});
-        text["images"][i].erase("bufferView"); // -1, which is no number of one
         text["images"][i]["uri"] = AsUri(files->back().Name);
     }
     files->front() = {stem + ".gltf", text.dump(1, '\t') + "\n"};
