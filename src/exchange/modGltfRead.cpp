@@ -349,7 +349,7 @@ void TellOfLosses(const Reading& reading)
     if (reading.Loss.Vertices > 0) {
         const double mean = reading.Loss.Dropped / static_cast<double>(reading.Loss.Vertices);
         notes.push_back(Counted(static_cast<int64_t>(reading.Loss.Vertices), "vertex leans", "vertices lean") +
-                        " on several joints and goes to the largest. Dropped: " + Percent(mean) +
+                        " on several joints; the largest counts. Dropped: " + Percent(mean) +
                         " of their weight on average, " + Percent(reading.Loss.Largest) + " at most.");
     }
     const auto leave = [&](bool wanted, const char* what) {
