@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -117,6 +119,27 @@ bool ReadExchange(const ConvertOptions& options, ExchangeModel* model)
     return true;
 }
 
+/// Saves the scene with its pictures, which are new files, or leaves nothing.
+bool SaveWithMaps(const std::string& out, const std::vector<MapFile>& maps)
+{
+    size_t written = 0;
+    bool good = true;
+    while (good && written < maps.size()) {
+        const MapFile& map = maps[written];
+        FileSpokenOf = map.Path;
+        good = SaveGuarded("convert", map.Path, {}, [&](const PartWriter& write) { write(map.Bytes); });
+        written += good ? 1 : 0;
+    }
+    if (good && SaveModel(out, {out, false})) {
+        return true;
+    }
+    for (size_t i = 0; i < written; ++i) {
+        std::error_code ignored;
+        std::filesystem::remove(maps[i].Path, ignored);
+    }
+    return false;
+}
+
 ExitCode ConvertIn(const ConvertOptions& options)
 {
     if (options.InPlace && !IsSameFile(options.Like, options.Out)) {
@@ -164,13 +187,7 @@ ExitCode ConvertIn(const ConvertOptions& options)
         return ExitCode::Failed;
     }
     ModelOpen = true;
-    for (const MapFile& map : maps) {
-        FileSpokenOf = map.Path;
-        if (!SaveGuarded("convert", map.Path, {}, [&](const PartWriter& write) { write(map.Bytes); })) {
-            return ExitCode::Failed;
-        }
-    }
-    return SaveModel(options.Out, {options.Out, false}) ? ExitCode::Done : ExitCode::Failed;
+    return SaveWithMaps(options.Out, maps) ? ExitCode::Done : ExitCode::Failed;
 }
 
 ExitCode Convert(const ConvertOptions& options)

@@ -229,8 +229,7 @@ TEST_F(AReader, GivesEachVertexItsLargestJoint)
         {sets(Bytes{1, 0, 0, 0}, Floats{1, 0, 0, 0}), "BBBB", ""},
         {sets(Shorts{2, 1, 0, 0}, Bytes{255, 0, 0, 0}), "CCCC", ""},
         {sets(Bytes{0, 2, 0, 0}, Shorts{16384, 49151, 0, 0}), "CCCC",
-         "4 vertices lean on several joints; each goes to "
-         "the largest. Dropped: 25 % of their weight"},
+         "4 vertices lean on several joints; the largest counts. Dropped: 25 % of their weight"},
         {sets(Bytes{2, 0, 0, 0}, Floats{0.5F, 0.5F, 0, 0}), "AAAA", "50 % of their weight on average, 50 % at most."},
         {sets(Bytes{1, 2, 2, 0}, Floats{0.4F, 0.3F, 0.3F, 0}), "CCCC", "40 %"},
         {sets(Bytes{1, 2, 0, 0}, Floats{1.5F, 0.5F, 0, 0}), "BBBB", "25 %"},
