@@ -408,7 +408,7 @@ bool GltfFilesOf(const ExchangeModel& model, const std::string& stem, std::vecto
     std::ostringstream stream;
     tinygltf::TinyGLTF().WriteGltfSceneToStream(&writer.File, stream, false, false);
     Json text = Json::parse(std::move(stream).str());
-    files->emplace_back();
+    files->assign(1, {});
     files->push_back({stem + ".bin", std::string(writer.Bytes.begin(), writer.Bytes.end())});
     text["buffers"] = {{{"byteLength", writer.Bytes.size()}, {"uri", AsUri(files->back().Name)}}};
     for (size_t i = 0; i < model.Images.size(); ++i) {
