@@ -106,10 +106,11 @@ std::array<int32_t, 3> Sorted(std::array<int32_t, 3> numbers)
     return numbers;
 }
 
-/// `old` is one of the model, which can be no direction: then nothing that comes back is another one.
+/// `old` is one of the model, which can be no direction: then nothing that comes back is another one. Blender takes the
+/// angle about its own normal for 0 where the cosine is above 0.9999, which moves a normal by up to 0.0142.
 bool AreSameNormals(const Vec3& old, const Vec3& value)
 {
-    constexpr double near = 5e-3;
+    constexpr double near = 1.5e-2;
     const Vec3 unit = VecNormalize(old);
     return VecLength(unit) == 0 || VecDistance(unit, VecNormalize(value)) <= near;
 }
