@@ -21,7 +21,8 @@ _bwrt() {
     local flags="wireframe grid textures lighting backfaces isolines normals cull-vertices anti-aliasing filtering"
     local options= words=
     case $command in
-        "") words="check report diff mirror auto-assign normals swap reassign unassign weights alias new picture"
+        "") words="check report diff mirror auto-assign normals swap reassign unassign weights alias new convert
+            picture"
             options="--help --version" ;;
         check) options="--only --ignore --strict --no-hints --json --vertex-threshold --bone-threshold" ;;
         report) options="--only --json" ;;
@@ -45,6 +46,7 @@ _bwrt() {
                 *) words="make" ;;
             esac ;;
         new) options="-o --output --skin" ;;
+        convert) options="--like --in-place --force --skin" ;;
         picture) options="--size --camera --fit --tab --mode --bone --on-shadow --point-size --show --hide" ;;
     esac
     case $before in
@@ -65,6 +67,14 @@ _bwrt() {
                 words=$(bwrt check --help 2>/dev/null | sed -n '/^Codes:/,$s/^  \([a-z-]*\) .*/\1/p')
             fi ;;
     esac
+    if [ "$command" = convert ] && [ "${word#-}" = "$word" ] && [ "$before" != --skin ]; then
+        local endings="mvm glb gltf fbx dae obj x"
+        [ "$before" = --like ] && endings=mvm
+        compopt -o filenames -o default
+        mapfile -t COMPREPLY < <(compgen -d -- "$word"
+            for i in $endings; do compgen -f -X "!*.$i" -- "$word"; done)
+        return
+    fi
     case $word in
         -*) words="$options $common" ;;
     esac

@@ -2,6 +2,11 @@
 # .deb.
 
 install(TARGETS beastwright bwrt bwrt-picture RUNTIME DESTINATION lib/beastwright)
+if(TARGET bwrt-import)
+  install(TARGETS bwrt-import RUNTIME DESTINATION lib/beastwright)
+endif()
+install(PROGRAMS packaging/beastwright-import DESTINATION lib/beastwright)
+install(DIRECTORY packaging/blender DESTINATION lib/beastwright FILES_MATCHING PATTERN "*.py")
 install(DIRECTORY assets/alias assets/presets DESTINATION lib/beastwright PATTERN ".*" EXCLUDE)
 install(DIRECTORY assets/readme/ DESTINATION lib/beastwright PATTERN ".*" EXCLUDE)
 install(DIRECTORY samples/vorrel samples/tutorial DESTINATION lib/beastwright/samples PATTERN ".*" EXCLUDE)
@@ -11,7 +16,8 @@ foreach(program beastwright bwrt)
   install(FILES ${CMAKE_BINARY_DIR}/packaging-link-${program} DESTINATION bin RENAME ${program})
 endforeach()
 
-install(FILES packaging/example.beastwright.Beastwright.desktop DESTINATION share/applications)
+install(FILES packaging/example.beastwright.Beastwright.desktop packaging/example.beastwright.Beastwright.Import.desktop
+  DESTINATION share/applications)
 configure_file(packaging/example.beastwright.Beastwright.metainfo.xml.in
   ${CMAKE_BINARY_DIR}/example.beastwright.Beastwright.metainfo.xml @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/example.beastwright.Beastwright.metainfo.xml DESTINATION share/metainfo)
@@ -58,7 +64,8 @@ and gives each vertex of its skin and of its shadow to one bone: with a click
 or a box in the view, by mirroring, swapping, re-assigning or automatic
 assignment. It saves model files and binary weights files (.wif), makes new
 normals and prints reports. The program bwrt does the same from a command line,
-and checks and compares models.")
+checks and compares models, and takes them to modelling programs and back as
+glTF. An add-on for Blender does that in one step.")
 set(CPACK_PACKAGE_HOMEPAGE_URL "https://beastwright.example/")
 set(CPACK_DEBIAN_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
@@ -66,6 +73,7 @@ set(CPACK_DEBIAN_PACKAGE_DEPENDS "libgl1-mesa-dri, fonts-liberation | fonts-deja
 # The desktop's files need what reads them: those packages bring the triggers that keep its databases.
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS
   "xdg-utils, qt6-wayland, shared-mime-info, desktop-file-utils, hicolor-icon-theme")
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "blender, zenity | kdialog | x11-utils")
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

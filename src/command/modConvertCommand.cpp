@@ -13,6 +13,7 @@
 #include "modFromScene.h"
 #include "modGltfRead.h"
 #include "modGltfWrite.h"
+#include "modImportProcess.h"
 #include "modLike.h"
 #include "modModels.h"
 #include "modNewScene.h"
@@ -101,8 +102,14 @@ bool ReadExchange(const ConvertOptions& options, ExchangeModel* model)
 {
     std::string bytes;
     std::string error;
-    if (!ReadWhole(options.In, &bytes, &error) ||
-        !ReadGltf(bytes, std::string(DirectoryOf(options.In)), model, &error)) {
+    std::string messages;
+    const bool isGltf = IsGltfName(options.In);
+    const bool read = isGltf ? ReadWhole(options.In, &bytes, &error)
+                             : RunImporter(ProgramFolder() + "/bwrt-import", options.In, &bytes, &messages, &error);
+    if (!messages.empty()) {
+        Note(messages);
+    }
+    if (!read || !ReadGltf(bytes, std::string(DirectoryOf(options.In)), model, &error)) {
         Tell(error);
         return false;
     }
@@ -175,7 +182,9 @@ ExitCode Convert(const ConvertOptions& options)
         }
         return ConvertOut(options);
     }
-    if (!IsModelName(options.In) && IsModelName(options.Out)) {
+    const std::vector<std::string> others = {"fbx", "dae", "obj", "x"};
+    const bool isOther = std::find(others.begin(), others.end(), LowerCase(ExtensionOf(options.In))) != others.end();
+    if ((IsGltfName(options.In) || isOther) && IsModelName(options.Out)) {
         return ConvertIn(options);
     }
     Tell("One of the two files is a model (.mvm); the other one is .glb or .gltf, or, to be read, .fbx, .dae, .obj or "

@@ -110,22 +110,41 @@ ExchangeMesh InSpaceOf(const ExchangeMesh& mesh, int32_t index)
     return result;
 }
 
+/// The name without what Blender puts behind one that is taken: ".001".
+std::string WithoutCopyNumber(const std::string& name)
+{
+    const size_t point = name.find_last_of('.');
+    const bool isCopy = point != std::string::npos && name.size() - point > 3 &&
+                        name.find_first_not_of("0123456789", point + 1) == std::string::npos;
+    return isCopy ? name.substr(0, point) : name;
+}
+
 /// The names that the materials of the file have in the scene (code page). Those that it lacks are in *added.
 std::vector<std::string> MaterialNames(const ExchangeModel& model, std::vector<std::string>* added)
 {
     std::vector<std::string> own;
     const std::vector<std::string> inFiles = MaterialNamesInFiles(&own);
+    std::vector<size_t> matches(model.Materials.size(), none);
+    std::set<size_t> taken;
+    const auto matchAll = [&](const auto& fits) {
+        for (size_t i = 0; i < matches.size(); ++i) {
+            for (size_t k = 0; k < inFiles.size() && matches[i] == none; ++k) {
+                matches[i] = fits(model.Materials[i].Name, inFiles[k], k) ? k : none;
+            }
+        }
+        taken.insert(matches.begin(), matches.end());
+    };
+    matchAll([](const std::string& name, const std::string& inFile, size_t) { return name == inFile; });
+    matchAll([](const std::string& name, const std::string& inFile, size_t) {
+        return PlainName(name) == PlainName(inFile);
+    });
+    matchAll([&](const std::string& name, const std::string& inFile, size_t index) {
+        return !taken.contains(index) && WithoutCopyNumber(name) == inFile;
+    });
     std::vector<std::string> names;
-    for (const ExchangeMaterial& material : model.Materials) {
-        size_t found = none;
-        for (size_t i = 0; i < inFiles.size() && found == none; ++i) {
-            found = inFiles[i] == material.Name ? i : none;
-        }
-        for (size_t i = 0; i < inFiles.size() && found == none; ++i) {
-            found = PlainName(inFiles[i]) == PlainName(material.Name) ? i : none;
-        }
-        names.push_back(found == none ? NameForModel(material.Name) : own[found]);
-        if (found == none) {
+    for (size_t i = 0; i < matches.size(); ++i) {
+        names.push_back(matches[i] == none ? NameForModel(model.Materials[i].Name) : own[matches[i]]);
+        if (matches[i] == none) {
             added->push_back(names.back());
         }
     }

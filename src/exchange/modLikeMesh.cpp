@@ -106,8 +106,8 @@ std::array<int32_t, 3> Sorted(std::array<int32_t, 3> numbers)
     return numbers;
 }
 
-/// `old` is one of the model, which can be no direction: then nothing that comes back is another one. Blender takes the
-/// angle about its own normal for 0 where the cosine is above 0.9999, which moves a normal by up to 0.0142.
+/// `old` is one of the model, which can be no direction: then nothing that comes back is another one. Blender turns a
+/// normal by up to the angle whose cosine is 1 - 1e-4 into the plane of an edge.
 bool AreSameNormals(const Vec3& old, const Vec3& value)
 {
     constexpr double near = 1.5e-2;
@@ -512,6 +512,10 @@ bool MergeMesh(const LikePair& pair, const std::vector<std::string>& materials, 
     result->IsSkin = pair.Model.IsSkin;
     Merge merge(pair, materials, counts, result);
     merge.Joined = JoinCorners(pair.File, OldVertices(pair));
+    *error = OutOfReach(pair.File.Name, merge.Joined.Vertices);
+    if (!error->empty()) {
+        return false;
+    }
     KeepUnused(&merge);
     ClaimVertices(&merge);
     const std::vector<MergedFace> faces = MergeFaces(&merge);
