@@ -15,8 +15,6 @@ from mathutils import Matrix, Vector
 
 numpy.bool = bool  # Debian's importer still asks for it
 
-TO_SCENE = {}
-
 
 def meshes():
     return [one for one in bpy.data.objects if one.type == "MESH" and one.data.polygons and one.users_collection]
@@ -62,7 +60,8 @@ def look(job):
         seen["meshes"].append(own)
         used = sorted({name for entry in groups for name, _ in entry})
         if used and bones is not None:
-            name = own["posed"] = used[len(used) // 2]
+            name = used[len(used) // 2]
+            own["posed"] = [name] + [child.name for child in bones.data.bones[name].children_recursive]
             before = places(one)
             pose = bones.pose.bones[name]
             reach = max(1.0, float(abs(before).max()))
