@@ -114,7 +114,7 @@ def models_of(objects):
 class ImportModel(bpy.types.Operator, ImportHelper):
     """Import a creature model of Beastwright"""
     bl_idname = "import_scene.beastwright"
-    bl_label = "Import Beastwright model"
+    bl_label = "Import Model"
     bl_options = {"UNDO"}
     filename_ext = ".mvm"
     filter_glob: StringProperty(default="*.mvm", options={"HIDDEN"})
@@ -142,7 +142,7 @@ class ImportModel(bpy.types.Operator, ImportHelper):
 class ExportModel(bpy.types.Operator, ExportHelper):
     """Export a creature model for Beastwright"""
     bl_idname = "export_scene.beastwright"
-    bl_label = "Export Beastwright model"
+    bl_label = "Export Model"
     filename_ext = ".mvm"
     filter_glob: StringProperty(default="*.mvm", options={"HIDDEN"})
     like: StringProperty(name="Made from", description="The model whose bones, materials, textures, instances, names "
