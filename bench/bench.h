@@ -33,6 +33,7 @@ inline std::vector<MeasuredRow> MeasuredRows;
 void RegisterModelCases();
 void RegisterWeightsCases();
 void RegisterFrameCases();
+void RegisterExchangeCases();
 
 /// Memory during and after the load of the largest model, and the time from the start to the first frame. Both run this
 /// program again as a child.

@@ -149,6 +149,7 @@ int RunAll(int argc, char** argv)
     RegisterModelCases();
     RegisterWeightsCases();
     RegisterFrameCases();
+    RegisterExchangeCases();
     TableReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     RemoveFiles();

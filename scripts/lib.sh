@@ -7,9 +7,12 @@ build_packages="g++ cmake ninja-build ccache qt6-base-dev libqt6opengl6-dev libg
 run_packages="libgl1-mesa-dri fonts-dejavu-core fonts-liberation"
 headless_packages="xvfb xauth openbox"
 test_packages="libgtest-dev libgmock-dev assimp-testmodels"
-windows_packages="g++-mingw-w64-x86-64-posix cmake ninja-build ccache libcli11-dev nlohmann-json3-dev libstb-dev"
+windows_packages="g++-mingw-w64-x86-64-posix cmake ninja-build ccache libcli11-dev nlohmann-json3-dev libstb-dev libtinygltf-dev"
 wine_packages="wine wine64 googletest"
+windows_qt_packages="qt6-base-dev qt6-base-dev-tools"
 picture_packages="xdotool x11-utils imagemagick"
+
+virtual_screens=()
 
 say() { printf '\n== %s\n' "$*"; }
 
@@ -46,8 +49,9 @@ build_preset() {
 }
 
 # Runs a program of Windows with a folder of Wine's own: in_wine FOLDER PROGRAM [ARGUMENT ...]
+# It sees the names of files as UTF-8, and ends when it crashes.
 in_wine() {
-    local -x WINEPREFIX=$1 WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+    local -x WINEPREFIX=$1 WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=;winedbg.exe=" LC_ALL=C.UTF-8
     shift
     if [ ! -e "$WINEPREFIX/system.reg" ]; then
         mkdir -p "$WINEPREFIX"
@@ -57,11 +61,12 @@ in_wine() {
     wine "$@"
 }
 
-# Starts a virtual screen with a small window manager, sets DISPLAY, and ends both when the script ends.
+# Starts a virtual screen with a small window manager, sets DISPLAY, and ends both when the script ends:
+# start_virtual_screen [XVFB ARGUMENT ...]
 start_virtual_screen() {
     local number
     number=$(mktemp)
-    Xvfb -displayfd 9 -screen 0 1280x1024x24 -nolisten tcp -noreset 9>"$number" >/dev/null 2>&1 &
+    Xvfb -displayfd 9 -screen 0 1280x1024x24 -nolisten tcp -noreset "$@" 9>"$number" >/dev/null 2>&1 &
     virtual_screen=$!
     for _ in $(seq 100); do
         [ -s "$number" ] && break
@@ -77,5 +82,6 @@ start_virtual_screen() {
     unset WAYLAND_DISPLAY
     openbox >/dev/null 2>&1 &
     window_manager=$!
-    trap 'kill "$window_manager" "$virtual_screen" 2>/dev/null || true' EXIT
+    virtual_screens+=("$window_manager" "$virtual_screen")
+    trap 'kill "${virtual_screens[@]}" 2>/dev/null || true' EXIT
 }

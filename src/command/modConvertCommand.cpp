@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -13,6 +15,7 @@
 #include "modFromScene.h"
 #include "modGltfRead.h"
 #include "modGltfWrite.h"
+#include "modImportProcess.h"
 #include "modLike.h"
 #include "modModels.h"
 #include "modNewScene.h"
@@ -101,13 +104,40 @@ bool ReadExchange(const ConvertOptions& options, ExchangeModel* model)
 {
     std::string bytes;
     std::string error;
-    if (!ReadWhole(options.In, &bytes, &error) ||
-        !ReadGltf(bytes, std::string(DirectoryOf(options.In)), model, &error)) {
+    std::string messages;
+    const bool isGltf = IsGltfName(options.In);
+    const bool read = isGltf ? ReadWhole(options.In, &bytes, &error)
+                             : RunImporter(ProgramFolder() + "/bwrt-import", options.In, &bytes, &messages, &error);
+    if (!messages.empty()) {
+        Note(messages);
+    }
+    if (!read || !ReadGltf(bytes, std::string(DirectoryOf(options.In)), model, &error)) {
         Tell(error);
         return false;
     }
     NoteAll(model->Notes);
     return true;
+}
+
+/// Saves the scene with its pictures, which are new files, or leaves nothing.
+bool SaveWithMaps(const std::string& out, const std::vector<MapFile>& maps)
+{
+    size_t written = 0;
+    bool good = true;
+    while (good && written < maps.size()) {
+        const MapFile& map = maps[written];
+        FileSpokenOf = map.Path;
+        good = SaveGuarded("convert", map.Path, {}, [&](const PartWriter& write) { write(map.Bytes); });
+        written += good ? 1 : 0;
+    }
+    if (good && SaveModel(out, {out, false})) {
+        return true;
+    }
+    for (size_t i = 0; i < written; ++i) {
+        std::error_code ignored;
+        std::filesystem::remove(maps[i].Path, ignored);
+    }
+    return false;
 }
 
 ExitCode ConvertIn(const ConvertOptions& options)
@@ -157,13 +187,7 @@ ExitCode ConvertIn(const ConvertOptions& options)
         return ExitCode::Failed;
     }
     ModelOpen = true;
-    for (const MapFile& map : maps) {
-        FileSpokenOf = map.Path;
-        if (!SaveGuarded("convert", map.Path, {}, [&](const PartWriter& write) { write(map.Bytes); })) {
-            return ExitCode::Failed;
-        }
-    }
-    return SaveModel(options.Out, {options.Out, false}) ? ExitCode::Done : ExitCode::Failed;
+    return SaveWithMaps(options.Out, maps) ? ExitCode::Done : ExitCode::Failed;
 }
 
 ExitCode Convert(const ConvertOptions& options)
@@ -175,7 +199,9 @@ ExitCode Convert(const ConvertOptions& options)
         }
         return ConvertOut(options);
     }
-    if (!IsModelName(options.In) && IsModelName(options.Out)) {
+    const std::vector<std::string> others = {"fbx", "dae", "obj", "x"};
+    const bool isOther = std::find(others.begin(), others.end(), LowerCase(ExtensionOf(options.In))) != others.end();
+    if ((IsGltfName(options.In) || isOther) && IsModelName(options.Out)) {
         return ConvertIn(options);
     }
     Tell("One of the two files is a model (.mvm); the other one is .glb or .gltf, or, to be read, .fbx, .dae, .obj or "

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "checks/modCheckModel.h"
 #include "modCodePage.h"
 #include "modExchangeNames.h"
 #include "modFileListing.h"
@@ -162,9 +163,15 @@ void AddMeshes(ExchangeModel* model, std::vector<MeshRecord>* records)
                 mesh.MeshMaterials.Has(number) ? inFile[static_cast<size_t>(number) - 1] : -1;
         }
         if (!left.empty()) {
-            model->Notes.push_back(std::to_string(left.size()) + " of the " + std::to_string(mesh.FaceCount()) +
-                                   " faces of \"" + Utf8FromCodePage(mesh.Name) +
-                                   "\" name a vertex twice or one that is not there; only the record has them.");
+            model->Notes.push_back(Counted(static_cast<int64_t>(left.size()), "face", "faces") + " of \"" +
+                                   Utf8FromCodePage(mesh.Name) + "\" " +
+                                   Verb(static_cast<int64_t>(left.size()), "stays", "stay") +
+                                   " behind, in the record alone: a vertex is named twice, or is not there.");
+        }
+        const size_t placed = PlacementsOfMesh(mesh).size();
+        if (isSkinned && placed > 1) {
+            model->Notes.push_back("\"" + Utf8FromCodePage(mesh.Name) + "\" is placed " + std::to_string(placed) +
+                                   " times; only the record has more than the first place.");
         }
         if (isSkinned) {
             exchanged.Placements = {SkinPlacement()};
@@ -190,6 +197,21 @@ std::vector<std::string> NamesOf(const Array1<T>& records)
         names.push_back(record.Name);
     }
     return names;
+}
+
+/// Says how many records have another name in the file.
+template <typename T>
+void TellOfNames(const Array1<T>& records, const std::vector<std::string>& inFile, const char* kind,
+                 std::vector<std::string>* notes)
+{
+    size_t changed = 0;
+    for (size_t i = 0; i < records.Items.size(); ++i) {
+        changed += Utf8FromCodePage(records.Items[i].Name) != inFile[i] ? 1 : 0;
+    }
+    if (changed > 0) {
+        notes->push_back("The file has other names for " + std::to_string(changed) + " of the " + kind +
+                         ": it keeps none that is empty, doubled, or longer than 63 bytes.");
+    }
 }
 
 } // namespace
@@ -261,6 +283,10 @@ bool ExchangeFromScene(const std::string& folder, ExchangeModel* model, std::str
         *error = "The model has no mesh with a face.";
         return false;
     }
+    std::vector<std::string> names;
+    TellOfNames(Bones, BoneNamesInFiles(), "bones", &model->Notes);
+    TellOfNames(Materials, MaterialNamesInFiles(&names), "materials", &model->Notes);
+    TellOfNames(Meshes, MeshNamesInFiles(), "meshes", &model->Notes);
     model->Record = RecordOfScene(records);
     return true;
 }

@@ -59,8 +59,8 @@ bool JsonOf(std::string_view bytes, std::string_view* json)
         *json = bytes;
         return true;
     }
-    if (bytes.size() < head || WordAt(bytes, 8) > bytes.size() || WordAt(bytes, 16) != jsonChunk ||
-        WordAt(bytes, 12) > bytes.size() - head) {
+    if (bytes.size() < head || WordAt(bytes, 4) != 2 || WordAt(bytes, 8) > bytes.size() ||
+        WordAt(bytes, 16) != jsonChunk || WordAt(bytes, 12) > bytes.size() - head) {
         return false;
     }
     *json = bytes.substr(head, WordAt(bytes, 12));
@@ -89,7 +89,7 @@ bool Exists(const std::string& name, void* data)
 {
     auto* around = static_cast<Surroundings*>(data);
     const std::string path = PathOf(name, around->Folder);
-    if (path.empty()) {
+    if (path.empty() && around->Complaint.empty()) { // the library asks again, with "./" in front
         around->Complaint = "It names \"" + name + "\", which is outside of its folder.";
     }
     return !path.empty() && IsPlainFile(path);

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "app/modMath.h"
+#include "checks/modCheckModel.h"
 #include "modGltfAccessor.h"
 #include "modGltfBytes.h"
 #include "modGltfNodes.h"
@@ -235,6 +236,13 @@ void PlaceSkinned(const SkinInFile& skin, const std::string& name, ExchangeMesh*
     }
 }
 
+/// Instances that are mirrored come so; nodes of other programs that mirror on one axis do not.
+bool HasNegativeScale(const tinygltf::Node& node)
+{
+    const std::vector<double>& scale = node.scale;
+    return scale.size() == 3 && scale[0] < 0 && scale[0] == scale[1] && scale[1] == scale[2];
+}
+
 /// Reads the mesh of a node, or one more place of it. `known` has the meshes read so far that are not skinned.
 bool ReadNode(Reading* reading, int node, std::map<int, size_t>* known)
 {
@@ -248,7 +256,10 @@ bool ReadNode(Reading* reading, int node, std::map<int, size_t>* known)
     }
     const SkinInFile* const skin = own.skin < 0 ? nullptr : &reading->Skins[static_cast<size_t>(own.skin)];
     const Matrix& world = reading->Tree.Worlds[static_cast<size_t>(node)];
-    const std::optional<Placing> placing = PlacingOf(world);
+    std::optional<Placing> placing = PlacingOf(world);
+    if (placing && placing->Scale < 0 && !HasNegativeScale(own)) {
+        placing.reset();
+    }
     const auto before = known->find(own.mesh);
     if (skin == nullptr && placing && before != known->end()) {
         reading->Model->Meshes[before->second].Placements.push_back(
@@ -296,6 +307,12 @@ void ReadImages(const tinygltf::Model& file, ExchangeModel* model)
     }
 }
 
+/// What light from 0 to 1 is as a shown value (IEC 61966-2-1, sRGB).
+double ShownOf(double light)
+{
+    return light <= 0.0031308 ? light * 12.92 : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
+}
+
 void ReadMaterials(const tinygltf::Model& file, ExchangeModel* model)
 {
     for (const tinygltf::Material& own : file.materials) {
@@ -304,7 +321,7 @@ void ReadMaterials(const tinygltf::Model& file, ExchangeModel* model)
         material.HasOpacity = own.alphaMode != "OPAQUE";
         const auto& surface = own.pbrMetallicRoughness;
         for (size_t i = 0; i < 3 && surface.baseColorFactor.size() >= 3; ++i) {
-            material.Color[i] = static_cast<float>(std::clamp(surface.baseColorFactor[i], 0.0, 1.0));
+            material.Color[i] = static_cast<float>(ShownOf(std::clamp(surface.baseColorFactor[i], 0.0, 1.0)));
         }
         const int texture = surface.baseColorTexture.index;
         if (texture >= 0 && static_cast<size_t>(texture) < file.textures.size()) {
@@ -331,8 +348,8 @@ void TellOfLosses(const Reading& reading)
     std::vector<std::string>& notes = reading.Model->Notes;
     if (reading.Loss.Vertices > 0) {
         const double mean = reading.Loss.Dropped / static_cast<double>(reading.Loss.Vertices);
-        notes.push_back(std::to_string(reading.Loss.Vertices) +
-                        " vertices lean on several joints; each goes to the largest. Dropped: " + Percent(mean) +
+        notes.push_back(Counted(static_cast<int64_t>(reading.Loss.Vertices), "vertex leans", "vertices lean") +
+                        " on several joints; the largest counts. Dropped: " + Percent(mean) +
                         " of their weight on average, " + Percent(reading.Loss.Largest) + " at most.");
     }
     const auto leave = [&](bool wanted, const char* what) {

@@ -127,6 +127,10 @@ bool ReadSkins(const tinygltf::Model& file, const NodeTree& tree, ExchangeModel*
             return false;
         }
         FindPlacing(tree, skin, bindings, &result);
+        if (!std::all_of(result.ToScene.begin(), result.ToScene.end(), IsFinite)) {
+            *error = "The transform of a joint is not finite.";
+            return false;
+        }
         for (size_t joint = 0; joint < skin.joints.size(); ++joint) {
             const auto node = static_cast<size_t>(skin.joints[joint]);
             int32_t& bone = boneOfNode[node];
@@ -134,7 +138,8 @@ bool ReadSkins(const tinygltf::Model& file, const NodeTree& tree, ExchangeModel*
                 bone = static_cast<int32_t>(model->Bones.size());
                 nodes.push_back(static_cast<int>(node));
                 const std::optional<Matrix> bound = result.IsPosed ? Inverse(bindings[joint]) : std::nullopt;
-                const Matrix head = bound ? Multiply(result.Placing, *bound) : tree.Worlds[node];
+                Matrix head = bound ? Multiply(result.Placing, *bound) : tree.Worlds[node];
+                head = IsFinite(head) ? head : tree.Worlds[node];
                 model->Bones.push_back({file.nodes[node].name, -1, OriginOf(head)});
             }
             result.Bones.push_back(bone);

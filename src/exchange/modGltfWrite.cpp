@@ -181,6 +181,8 @@ void AddImages(const ExchangeModel& model, bool inside, Writer* writer)
             image.bufferView = writer->StartView(0);
             writer->Bytes.insert(writer->Bytes.end(), picture.Bytes.begin(), picture.Bytes.end());
             writer->EndView();
+        } else {
+            image.uri = picture.Name.empty() ? "picture" : picture.Name; // until the files have names
         }
         writer->File.images.push_back(std::move(image));
         tinygltf::Texture texture;
@@ -196,13 +198,20 @@ void AddImages(const ExchangeModel& model, bool inside, Writer* writer)
     }
 }
 
+/// What a shown value from 0 to 1 is as light (IEC 61966-2-1, sRGB), which factors are in.
+double LinearOf(double shown)
+{
+    return shown <= 0.04045 ? shown / 12.92 : std::pow((shown + 0.055) / 1.055, 2.4);
+}
+
 void AddMaterials(const ExchangeModel& model, Writer* writer)
 {
     for (const ExchangeMaterial& own : model.Materials) {
         tinygltf::Material material;
         material.name = own.Name;
         material.pbrMetallicRoughness.metallicFactor = 0;
-        material.pbrMetallicRoughness.baseColorFactor = {own.Color[0], own.Color[1], own.Color[2], 1};
+        material.pbrMetallicRoughness.baseColorFactor = {LinearOf(own.Color[0]), LinearOf(own.Color[1]),
+                                                         LinearOf(own.Color[2]), 1};
         material.pbrMetallicRoughness.baseColorTexture.index = own.Image;
         material.alphaMode = own.HasOpacity ? "MASK" : "OPAQUE";
         writer->File.materials.push_back(std::move(material));
@@ -408,7 +417,7 @@ bool GltfFilesOf(const ExchangeModel& model, const std::string& stem, std::vecto
     std::ostringstream stream;
     tinygltf::TinyGLTF().WriteGltfSceneToStream(&writer.File, stream, false, false);
     Json text = Json::parse(std::move(stream).str());
-    files->emplace_back();
+    files->assign(1, {}); // the text, when all names are known
     files->push_back({stem + ".bin", std::string(writer.Bytes.begin(), writer.Bytes.end())});
     text["buffers"] = {{{"byteLength", writer.Bytes.size()}, {"uri", AsUri(files->back().Name)}}};
     for (size_t i = 0; i < model.Images.size(); ++i) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <limits>
 #include <map>
 #include <numeric>
@@ -176,6 +177,14 @@ JoinedMesh JoinCorners(const ExchangeMesh& mesh, const CornerNumbers& numbers)
         Renumber(places[2], &face.Normal);
     }
     return joined;
+}
+
+std::string OutOfReach(const std::string& mesh, const std::vector<Vec3>& vertices)
+{
+    const bool good = std::all_of(vertices.begin(), vertices.end(), [](const Vec3& place) {
+        return std::isfinite(place.X) && std::isfinite(place.Y) && std::isfinite(place.Z);
+    });
+    return good ? std::string() : "Places of the mesh \"" + mesh + "\" are too far away.";
 }
 
 std::string OverLimits(const std::string& mesh, size_t vertices, size_t texCoords, size_t normals, size_t faces)

@@ -39,6 +39,8 @@ using CornerNumbers = std::vector<std::array<int32_t, 3>>;
 /// normals. Equal ones without numbers are one.
 [[nodiscard]] JoinedMesh JoinCorners(const ExchangeMesh& mesh, const CornerNumbers& numbers);
 
+/// A sentence when a vertex lies where no float reaches, else empty.
+[[nodiscard]] std::string OutOfReach(const std::string& mesh, const std::vector<Vec3>& vertices);
 /// What is more than a mesh of a model takes, as a sentence; empty when it fits.
 [[nodiscard]] std::string OverLimits(const std::string& mesh, size_t vertices, size_t texCoords, size_t normals,
                                      size_t faces);

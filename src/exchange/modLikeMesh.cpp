@@ -512,6 +512,10 @@ bool MergeMesh(const LikePair& pair, const std::vector<std::string>& materials, 
     result->IsSkin = pair.Model.IsSkin;
     Merge merge(pair, materials, counts, result);
     merge.Joined = JoinCorners(pair.File, OldVertices(pair));
+    *error = OutOfReach(pair.File.Name, merge.Joined.Vertices);
+    if (!error->empty()) {
+        return false;
+    }
     KeepUnused(&merge);
     ClaimVertices(&merge);
     const std::vector<MergedFace> faces = MergeFaces(&merge);

@@ -98,7 +98,8 @@ std::optional<Matrix> Inverse(const Matrix& m)
 
 bool IsFinite(const Matrix& matrix)
 {
-    return std::all_of(matrix.begin(), matrix.end(), [](double number) { return std::isfinite(number); });
+    return std::all_of(matrix.begin(), matrix.end(),
+                       [](double number) { return std::isfinite(static_cast<float>(number)); });
 }
 
 bool AreAlike(const Matrix& a, const Matrix& b, double size)
@@ -134,9 +135,15 @@ Vec3 TransformedNormal(const Matrix& inverse, const Vec3& n)
             static_cast<float>(turned[2] / length)};
 }
 
-std::optional<Placing> PlacingOf(const Matrix& m)
+std::optional<Placing> PlacingOf(const Matrix& matrix)
 {
     constexpr double even = 1e-5;
+    Matrix m = matrix;
+    const double handed =
+        m[0] * (m[5] * m[10] - m[6] * m[9]) - m[1] * (m[4] * m[10] - m[6] * m[8]) + m[2] * (m[4] * m[9] - m[5] * m[8]);
+    for (size_t i = 0; handed < 0 && i < 12; ++i) {
+        m[i] = -m[i];
+    }
     std::array<double, 3> scales{};
     for (size_t i = 0; i < 3; ++i) {
         scales[i] = std::sqrt(m[4 * i] * m[4 * i] + m[4 * i + 1] * m[4 * i + 1] + m[4 * i + 2] * m[4 * i + 2]);
@@ -145,10 +152,8 @@ std::optional<Placing> PlacingOf(const Matrix& m)
     const auto dot = [&](size_t a, size_t b) {
         return (m[a] * m[b] + m[a + 1] * m[b + 1] + m[a + 2] * m[b + 2]) / (scale * scale);
     };
-    const double handed =
-        m[0] * (m[5] * m[10] - m[6] * m[9]) - m[1] * (m[4] * m[10] - m[6] * m[8]) + m[2] * (m[4] * m[9] - m[5] * m[8]);
     const auto number = static_cast<float>(scale);
-    if (!std::isnormal(number) || handed <= 0) {
+    if (!std::isnormal(number) || handed == 0) {
         return std::nullopt;
     }
     for (size_t i = 0; i < 3; ++i) {
@@ -158,7 +163,7 @@ std::optional<Placing> PlacingOf(const Matrix& m)
     }
     Placing placing;
     placing.Move = {static_cast<float>(m[12]), static_cast<float>(m[13]), static_cast<float>(m[14])};
-    placing.Scale = number;
+    placing.Scale = handed < 0 ? -number : number;
     const double sine = std::clamp(-m[2] / scale, -1.0, 1.0);
     const double cosine = std::hypot(m[0], m[1]) / scale;
     const bool upright = cosine > 1e-6; // otherwise X and Z turn about one axis, and X takes it all

@@ -19,6 +19,7 @@ constexpr Matrix identityMatrix = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 
 [[nodiscard]] Matrix MatrixOf(const Vec3& move, const Vec3& degrees, float scale);
 /// None for a matrix that flattens space.
 [[nodiscard]] std::optional<Matrix> Inverse(const Matrix& matrix);
+/// True when the scene's floats can hold all of it.
 [[nodiscard]] bool IsFinite(const Matrix& matrix);
 /// True when places as large as `size` come out alike, within 1e-5 of what they come out as.
 [[nodiscard]] bool AreAlike(const Matrix& a, const Matrix& b, double size);
@@ -32,5 +33,5 @@ struct Placing {
     Vec3 Degrees{}; ///< about X, then Y, then Z
     float Scale = 1;
 };
-/// The parts of a matrix that scales evenly, above 0; none for any other.
+/// The parts of a matrix that scales evenly, below 0 for one that mirrors; none for any other.
 [[nodiscard]] std::optional<Placing> PlacingOf(const Matrix& matrix);

@@ -73,10 +73,9 @@ ExchangeVertex CornerOf(const MvmMesh& mesh, const MvmFace& face, size_t corner,
     ExchangeVertex vertex;
     vertex.Place = mesh.Vertices[number];
     vertex.Normal = UnitNormal(mesh, face, corner);
-    if (mesh.TexCoords.Has(face.TexCoord[corner])) {
-        const Vec2& pair = mesh.TexCoords[face.TexCoord[corner]];
-        vertex.TexCoord = {pair.U, 1 - pair.V};
-    }
+    const bool hasPair = mesh.TexCoords.Has(face.TexCoord[corner]);
+    const Vec2 pair = hasPair ? mesh.TexCoords[face.TexCoord[corner]] : Vec2{};
+    vertex.TexCoord = {pair.U, 1 - pair.V};
     vertex.Number = ConfirmedNumber(number, salt);
     vertex.Numbers = {static_cast<float>(face.TexCoord[corner]), static_cast<float>(face.Normal[corner])};
     vertex.Bone = IsValidBone(bone) ? bone - 1 : -1;

@@ -2,8 +2,11 @@
 
 #include <array>
 #include <cmath>
+#include <cstdint>
+#include <map>
 #include <set>
 
+#include "checks/modCheckModel.h"
 #include "model/modLostAssignments.h"
 #include "model/modMvmBind.h"
 #include "model/modStrings.h"
@@ -37,19 +40,14 @@ std::string WithNumber(const std::string& name, int number)
 bool AddNewBones(const ExchangeModel& model, std::vector<int16_t>* numbers, std::vector<std::string>* notes,
                  std::string* error)
 {
-    std::array<std::set<int>, 2> taken; // by kind
+    std::array<std::map<int, size_t>, 2> owners; // by kind and number
     std::array<size_t, 2> counts{};
     std::vector<std::string> names;
-    std::vector<size_t> without;
-    size_t changed = 0;
     for (const ExchangeBone& bone : model.Bones) {
         const std::string& name = names.emplace_back(NameForModel(bone.Name));
         const size_t kind = IsShadowName(name) ? 1 : 0;
         ++counts[kind];
-        const int number = OwnNumber(name);
-        if (number < 0 || !taken[kind].insert(number).second) {
-            without.push_back(names.size() - 1);
-        }
+        ++owners[kind][OwnNumber(name)];
     }
     for (const size_t kind : {size_t{0}, size_t{1}}) {
         if (counts[kind] > jointNumbers) {
@@ -58,6 +56,18 @@ bool AddNewBones(const ExchangeModel& model, std::vector<int16_t>* numbers, std:
             return false;
         }
     }
+    std::array<std::set<int>, 2> taken;
+    std::vector<size_t> without;
+    for (size_t bone = 0; bone < names.size(); ++bone) {
+        const size_t kind = IsShadowName(names[bone]) ? 1 : 0;
+        const int number = OwnNumber(names[bone]);
+        if (number < 0 || owners[kind][number] > 1) {
+            without.push_back(bone);
+        } else {
+            taken[kind].insert(number);
+        }
+    }
+    size_t changed = 0;
     for (const size_t bone : without) {
         std::set<int>& own = taken[IsShadowName(names[bone]) ? 1 : 0];
         int number = 1; // 0 comes last: it is also what a vertex without a number has
@@ -76,12 +86,12 @@ bool AddNewBones(const ExchangeModel& model, std::vector<int16_t>* numbers, std:
     }
     MarkShadowBones();
     if (!without.empty()) {
-        notes->push_back(std::to_string(without.size()) +
-                         " bones were given joint numbers, which now end their names.");
+        notes->push_back(Counted(static_cast<int64_t>(without.size()), "bone was", "bones were") +
+                         " given joint numbers, which now end their names.");
     }
     if (changed > 0) {
-        notes->push_back("The names of " + std::to_string(changed) +
-                         " bones hold what a model cannot keep; \"_\" or "
+        notes->push_back("The names of " + Counted(static_cast<int64_t>(changed), "bone", "bones") +
+                         " hold what a model cannot keep; \"_\" or "
                          "\"?\" stands for it.");
     }
     return true;

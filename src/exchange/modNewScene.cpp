@@ -113,6 +113,10 @@ bool AddMesh(const ExchangeModel& model, const ExchangeMesh& mesh, const std::st
              const std::vector<int16_t>& bones, std::vector<std::string>* notes, std::string* error)
 {
     const JoinedMesh joined = JoinCorners(mesh, NumbersInFile(mesh));
+    *error = OutOfReach(mesh.Name, joined.Vertices);
+    if (!error->empty()) {
+        return false;
+    }
     *error = OverLimits(mesh.Name, joined.Vertices.size(), joined.TexCoords.size(), joined.Normals.size(),
                         joined.Faces.size());
     if (!error->empty()) {

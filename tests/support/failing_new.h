@@ -9,6 +9,7 @@ inline int Seen = 0;   ///< allocations since FailAt was set, while it is not 0
 /// When set, only the program's own code counts: what lies between the two places.
 inline const char* From = nullptr;
 inline const char* To = nullptr;
+void CountProgramOnly(); ///< sets them
 
 inline void FailNext(int number)
 {

@@ -258,7 +258,12 @@ void Label()
     glDisable(GL_DEPTH_TEST);
     glBlendFunc(GL_ONE, GL_ONE_MINUS_SRC_COLOR);
     glEnable(GL_BLEND);
-    glWindowPos2i(5, ViewHeight - 21);
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity();
+    const Vec2 corner{10.0F / static_cast<float>(ViewWidth) - 1, 1 - 42.0F / static_cast<float>(ViewHeight)};
+    glRasterPos2fv(&corner.U);
     glDrawPixels(80, 16, GL_LUMINANCE, GL_UNSIGNED_BYTE, &CameraLabels[static_cast<size_t>(8 - CurrentCamera) * 1280]);
     glDisable(GL_BLEND);
 }

@@ -29,6 +29,7 @@ inline std::vector<std::string> NamesIn(const std::string& folder)
 
 /// A new, empty folder that goes away with all that lies in it.
 struct TempFolder {
+    static constexpr auto Separator = static_cast<char>(std::filesystem::path::preferred_separator);
     std::string Path; ///< with a separator at its end
 
     TempFolder()
@@ -36,7 +37,7 @@ struct TempFolder {
         std::random_device random;
         do {
             const std::string name = "beastwright-test-" + std::to_string(random());
-            Path = (std::filesystem::temp_directory_path() / name).string() + "/";
+            Path = (std::filesystem::temp_directory_path() / name).string() + Separator;
         } while (!std::filesystem::create_directory(Path));
     }
     ~TempFolder()
@@ -47,7 +48,11 @@ struct TempFolder {
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
 
-    [[nodiscard]] std::string operator/(const std::string& name) const { return Path + name; }
+    [[nodiscard]] std::string operator/(std::string name) const
+    {
+        std::replace(name.begin(), name.end(), '/', Separator);
+        return Path + name;
+    }
     [[nodiscard]] std::vector<std::string> Names() const { return NamesIn(Path); }
 };
 

@@ -67,8 +67,12 @@ void Perform(const Step& step, QDialog* dialog)
 
 std::string Tilde(std::string text)
 {
-    for (size_t at = 0; !TestFolder.empty() && (at = text.find(TestFolder)) != std::string::npos;) {
-        text.replace(at, TestFolder.size(), "~/");
+    // The toolkit writes every separator as a slash.
+    for (const std::string& folder :
+         {TestFolder, QDir::fromNativeSeparators(QString::fromStdString(TestFolder)).toStdString()}) {
+        for (size_t at = 0; !folder.empty() && (at = text.find(folder)) != std::string::npos;) {
+            text.replace(at, folder.size(), "~/");
+        }
     }
     return text;
 }

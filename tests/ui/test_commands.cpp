@@ -1,176 +1,10 @@
 // Every entry, button, key and option by its widget: what it asks, and all that it changes.
-#include <map>
-
 #include "modCommand.h"
-#include "modConsole.h"
 #include "support/scene_bytes.h"
-#include "support/ui_window.h"
+#include "support/ui_state.h"
 #include "weights/modBoneAlias.h"
-#include "weights/modMirror.h"
 
 namespace {
-
-using State = std::map<std::string, std::string>;
-
-std::string Rows(const QListWidget* list)
-{
-    QStringList rows;
-    for (int row = 0; row < list->count(); row++) {
-        rows += list->item(row)->text();
-    }
-    return rows.join(u',').toStdString();
-}
-
-/// The picture of the mouse over the view, by its name.
-std::string CursorOf(const QWidget* view)
-{
-    for (const char* name : {"select", "arcrot", "pan1", "pan2", "zoom"}) {
-        const QPixmap picture(QStringLiteral(":/cursors/%1.png").arg(QLatin1String(name)));
-        if (picture.toImage() == view->cursor().pixmap().toImage()) {
-            const QPoint hot = view->cursor().hotSpot();
-            return name + (" " + std::to_string(hot.x())) + "," + std::to_string(hot.y());
-        }
-    }
-    return "none";
-}
-
-/// The button of several that is down, which must be the one of the value.
-template <typename Buttons>
-std::string Down(int value, const Buttons& buttons)
-{
-    for (size_t i = 0; i < buttons.size(); i++) {
-        if (buttons[i]->isChecked() != (static_cast<int>(i) == value)) {
-            return "torn";
-        }
-    }
-    return std::to_string(value);
-}
-
-std::string Numbers(std::initializer_list<double> numbers)
-{
-    QStringList texts;
-    for (const double number : numbers) {
-        texts += QString::number(std::round(number * 1000) / 1000);
-    }
-    return texts.join(u' ').toStdString();
-}
-
-std::string RoleText(int16_t mesh)
-{
-    std::string text = std::to_string(mesh) + ":";
-    if (IsValidMesh(mesh)) {
-        for (const int16_t bone : Meshes[mesh].VertexBones) {
-            text += std::to_string(bone);
-        }
-    }
-    return text;
-}
-
-/// All that a command can change, by name.
-State Look(const UiWindow& window)
-{
-    QCoreApplication::processEvents(); // lines on their way to the log
-    State state;
-    const struct {
-        const char* Entry;
-        bool Flag;
-    } flags[] = {{"mnuViewWire", ViewWire},           {"mnuViewSolid", !ViewWire},
-                 {"mnuViewGrid", ViewGrid},           {"mnuViewTextures", ViewTextures},
-                 {"mnuViewLighting", ViewLighting},   {"mnuViewBackfaces", ViewBackfaces},
-                 {"mnuViewIsolines", ViewIsolines},   {"mnuViewNormals", ViewNormals},
-                 {"mnuViewCullVerts", ViewCullVerts}, {"mnuOptionsAlias", AliasesOn},
-                 {"mnuOptionsLineAA", LineAA},        {"mnuOptionFilterTextures", FilterTextures}};
-    for (const auto& flag : flags) {
-        state["on"] += flag.Flag ? std::string(" ") + (flag.Entry + 3) : "";
-        state["torn"] += window->Entry(flag.Entry)->isChecked() == flag.Flag ? "" : flag.Entry;
-    }
-    std::vector<QAction*> cameras;
-    for (const MenuEntry& entry : MenuTable()) {
-        const std::string name = entry.Name;
-        if (name.starts_with("mnuViewCamera") && entry.Handler != nullptr) {
-            cameras.push_back(window->Entry(entry.Name));
-        }
-        state["off"] += window->Entry(entry.Name)->isEnabled() ? "" : " " + name.substr(3);
-    }
-    state["camera"] = Down(CurrentCamera - 1, cameras);
-    state["tool"] = Down(ToolMode, window->toolButtons);
-    state["cursor"] = CursorOf(window->picMain);
-    const ViewCamera& eye = Cameras[static_cast<size_t>(CurrentCamera)];
-    state["eye"] = Numbers({eye.Rotation.X, eye.Rotation.Y, eye.Position.X, eye.Position.Y, eye.Position.Z});
-    state["mouse"] = Numbers({double(MouseButton), MouseLastX, MouseLastY, MouseStartX, MouseStartY});
-    state["orbit"] = window->toolButtons[1]->isEnabled() ? "on" : "off";
-    const bool editing = window->fraEditing->isVisible();
-    const bool tabs = window->fraViewing->isVisible() != editing && window->tabMain->currentIndex() == ActiveTab;
-    state["tab"] = tabs && editing == (ActiveTab == 1) ? std::to_string(ActiveTab) : "torn";
-    const bool shadow = window->lstShadowBones->isVisibleTo(window->fraEditing);
-    const bool lists = shadow != window->lstSkinBones->isVisibleTo(window->fraEditing) && shadow == (EditTarget == 1);
-    state["target"] = lists ? Down(EditTarget, window->optShadow) : "torn";
-    state["mode"] = Down(DisplayMode, window->optMode);
-    state["bone"] = Numbers({double(ActiveBone)});
-    state["rows"] = Rows(window->lstSkinBones) + "|" + Rows(window->lstShadowBones);
-    state["row"] = Numbers({double(window->lstSkinBones->currentRow()), double(window->lstShadowBones->currentRow())});
-    state["help"] = window->panels[0]->text().toStdString();
-    QString status = window->panels[1]->text();
-    state["status"] = status.replace(QStringLiteral(" verts assigned to bone "), QStringLiteral(":")).toStdString();
-    state["title"] = window->windowTitle().toStdString();
-    state["skin"] = RoleText(SkinMesh);
-    state["shadow"] = RoleText(ShadowMesh);
-    state["place"] = Numbers({SkinScale, SkinOffset.X});
-    for (const MvmMesh& mesh : Meshes) {
-        state["meshes"] += " " + mesh.Name + "/" + std::to_string(mesh.NormalCount()) + (mesh.IsSkin ? "s" : "");
-    }
-    for (const MvmInstance& instance : Instances) {
-        state["instances"] += " " + instance.Name + "/" + instance.Mesh;
-    }
-    state["numbers"] = Numbers({double(PointSize), MirrorVertexThreshold, MirrorBoneThreshold});
-    state["file"] = CurrentFile;
-    state["last"] = LastPath;
-    state["open"] = ModelOpen ? "yes" : "no";
-    state["nosleep"] = NoSleep ? "yes" : "no";
-    state["menu"] = window->mnuViewCamera->isVisible() ? "yes" : "no";
-    window->mnuViewCamera->close();
-    state["ctrl"] = window->CtrlHeld ? "yes" : "no";
-    for (const std::string& name : window.Folder.Names()) {
-        state["files"] += " " + name;
-    }
-    state["log"] = LogField() == nullptr ? "" : LogField()->toPlainText().toStdString();
-    state["shown"] = IsInfoLogVisible() ? "yes" : LogDirty ? "dirty" : "no";
-    return state;
-}
-
-/// The words of one list that the other does not have, each with a sign before it.
-std::string Without(const std::string& words, const std::string& others, QChar sign)
-{
-    QString rest;
-    const QStringList known = QString::fromStdString(others).split(u' ');
-    for (const QString& word : QString::fromStdString(words).split(u' ', Qt::SkipEmptyParts)) {
-        rest += known.contains(word) ? QString() : u' ' + sign + word;
-    }
-    return rest.toStdString();
-}
-
-/// What has changed, "name=new value" for each; of the log the first two lines that came to it.
-std::string Changes(const State& before, const State& after)
-{
-    std::string changes;
-    for (const auto& [name, value] : after) {
-        const auto old = before.find(name);
-        const std::string was = old == before.end() ? std::string() : old->second;
-        if (value == was || (name == "eye" && old != before.end() && before.at("camera") != after.at("camera"))) {
-            continue;
-        }
-        changes += (changes.empty() ? "" : "; ") + name;
-        if (name == "on" || name == "off") {
-            changes += Without(value, was, u'+') + Without(was, value, u'-');
-        } else if (name == "log" && value.starts_with(was)) {
-            const QString news = QString::fromStdString(value.substr(was.size()));
-            changes += "=" + Tilde(news.split(u'\n', Qt::SkipEmptyParts).mid(0, 2).join(u'/').toStdString());
-        } else {
-            changes += "=" + Tilde(value);
-        }
-    }
-    return changes;
-}
 
 /// Starts a command while a file or a folder beside the program is away.
 void DoWithout(const std::string& name, const UiWindow& window, const std::string& trigger, std::deque<Step> dialogs)
@@ -200,6 +34,20 @@ void TakeBack(const UiWindow& window, const std::string& before)
         SetPanelText("toolhelp", "Ready...");
         SetPanelText("progress", count); // not every command refreshes it
     }
+}
+
+/// Takes back every step by the key. Gives what is said of each, with a "|" where the other list comes up.
+std::string UndoAll(const UiWindow& window)
+{
+    HideInfoLog();
+    window->activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&*window));
+    QString said;
+    for (int16_t target = EditTarget; !said.endsWith(QStringLiteral("Nothing to undo.")); target = EditTarget) {
+        window.Do("key Ctrl+Z");
+        said += (EditTarget == target ? u';' : u'|') + window->panels[0]->text();
+    }
+    return said.remove(QStringLiteral("Undo: ")).toStdString();
 }
 
 /// Starts commands, "widget {dialog} {dialog} = changes", of which each stands behind a line end or " || "; a line that
@@ -281,6 +129,7 @@ key W = *off -ViewIsolines -ViewCullVerts; on +ViewSolid -ViewWire || key V = *o
 key T cmdMirror = *camera=6; orbit=off || key P cmdPlay = *camera=0; orbit=on || key O tabMainHeadings = *camera=1
 focus lstSkinBones = || key T lstSkinBones = || focus select = || key T select = || focus picMain = *
 key P optMode0 = *camera=0 || key Space optMode0 = *mode=0
+key D = *help=There is no mesh to edit.
 key Ctrl+Z = help=Nothing to undo. || key Ctrl+Y = help=Nothing to redo. || key Ctrl+Shift+Z =
 key F11 {Command|Command:| > NoSleep now} = *log=Dedicated mode.; nosleep=yes; shown=yes
 key F11 {Command|Command:|NoSleep now > Esc} = *
@@ -325,6 +174,7 @@ optShadow1 = *row=0 0; status=1:0; target=1 || wheel 120 lstShadowBones =)");
 TEST(Commands, OfEditing)
 {
     UiWindow window(SmallModel());
+    const std::string start = SceneBytes();
     Try(&window, R"(
 tab 1 = *tab=1 || cmdSwap =
 cmdUnAssign {? No bone selected, would you like to unassign all bones? > No} = *
@@ -344,26 +194,41 @@ cmdUnAssign {? No bone... > Yes} = *skin=1:0000
 cmdLoadWeights {L... > ~/none} {! File does not exist. > OK} {L... > ~/w.wif} {Load Weights > cmdOK} = *skin=1:3111
 cmdMirror {Mirror Weights > Esc} = || cmdMirror {Mirror Weights > cmdOK} = *log=1 : 2; shown=dirty; skin=1:2111
 cmdMirror {Mirror Weights > chkReassign optMirror1 cmdOK} = *log=2 : 1 || cmdMirror {M... > cmdCancel} =
-row 1 = *bone=1; row=1 -1; status=3:1 || cmdUnAssign = *skin=1:2000
+row 1 = *bone=1; row=1 -1; status=3:1
+key N = *eye=10 -200 0.94 -0.059 -2; help=Vertex 1 of Body: Left02 among Right01; 1 such vertex.
+cmdUnAssign = *skin=1:2000
 cmdMirror {Mirror Weights > optMirror1 cmdOK} = *log=2 : 1; skin=1:2100
 row 2 = *bone=2; row=2 -1; status=1:2 || cmdUnAssign = *skin=1:0100
 cmdMirror {M... > optMirror1 chkReassign chkUnassign chkReassign cmdOK} = *log=2 : 1; skin=1:0000
 key PgUp = *bone=1; help=Active bone: Right01; row=1 -1; status=0:1 || key PgDown = *bone=2; help=Active bone: Left02; row=2 -1; status=0:2
 key N = *help=No vertex of Body stands alone among other bones. || key E = *help=There is no vertex under the pointer.
-key U = *eye=10 -200 0.94 -0.059 -2; help=Vertex 1 of Body; 4 unassigned. || key U = *eye=10 -200 -0.94 0.059 -2; help=Vertex 2 of Body; 4 unassigned.
+key U = *eye=10 -200 -0.94 0.059 -2; help=Vertex 2 of Body; 4 unassigned. || key U = *eye=10 -200 0 -0.985 -2; help=Vertex 3 of Body; 4 unassigned.
 optShadow1 = *bone=0; row=2 0; status=1:0; target=1 || row 1 = *bone=4; row=2 1; status=0:4 || optShadow1 =
 optShadow0 = *bone=2; status=0:2; target=0 || optShadow1 = *bone=4; status=0:4; target=1
-row 2 = *bone=5; row=2 2; status=1:5 || cmdReAssign {Bones 5 > 2 cmdOK} = *bone=2; shadow=2:02; status=1:2
+row 2 = *bone=5; row=2 2; status=1:5 || cmdSwap {Bones 5 > 4 cmdOK} = *bone=4; row=2 1; shadow=2:04; status=1:4
+cmdSwap {Bones 4 > 5 cmdOK} = *bone=5; row=2 2; shadow=2:05; status=1:5
+cmdReAssign {Bones 5 > 2 cmdOK} = *bone=2; shadow=2:02; status=1:2
 cmdSaveWeights {S... > ~/w.wif} {! w.wif already exists.|Do you want to replace it? > Yes} {i File saved. > OK} =
  log=1 vertex of mesh "$Shadow" of bone "Left02" will belong to bone "$j$High02" after the next load of the model:
  theirs is no shadow bone.; shown=yes
-cmdUnAssign = *shadow=2:00 || cmdSelectSkinMesh {Meshes 1 > 2 cmdCancel} =
+cmdUnAssign = *shadow=2:00
+cmdLoadWeights {L... > ~/w.wif} {Load Weights > cmdOK} = *shadow=2:02 || row 0 = *bone=0; row=2 0; status=1:0
+cmdUnAssign {? No bone... > Yes} = *shadow=2:00 || cmdSelectSkinMesh {Meshes 1 > 2 cmdCancel} =
 cmdSelectSkinMesh {Meshes 1 > 3 cmdOK} {! No instance with the name "Plain" found.... > OK} = *meshes= Body/0s
  $Shadow/0s Plain/0s; skin=3:0
 cmdSelectShadowMesh {Meshes 2 > 0 cmdCancel} = || cmdSelectShadowMesh {Meshes 2 > 0 cmdOK} = *shadow=0:
 cmdUnAssign = || cmdMirror = || cmdSelectShadowMesh {Meshes 0 > 1 cmdOK} = *shadow=1:0000
 cmdSelectSkinMesh {Meshes 3 > 0 cmdOK} = *place=1 0; skin=0: || cmdSelectSkinMesh {Meshes 0 > 1 cmdOK} =
  *place=2 0; skin=1:0000)");
+    Perform("cmdSwap", [] { Perform("Undo", UndoCommand); }); // nothing in the middle of a command
+    EXPECT_EQ(UndoAll(window),
+              ";Select Skin Mesh;Select Skin Mesh;Select Shadow Mesh;Select Shadow Mesh;Select Skin Mesh;Unassign (1 "
+              "vertex);Load Weights (1 vertex);Unassign (1 vertex);Re-assign (1 vertex);Swap (1 vertex);Swap (1 "
+              "vertex)|Mirror (1 vertex);Unassign (1 vertex);Mirror (1 vertex);Unassign (3 "
+              "vertices);Mirror (1 vertex);Load Weights (4 vertices);Unassign (4 vertices);Load Weights (4 "
+              "vertices);Unassign (1 vertex);Unassign (3 vertices);Swap (1 vertex);Swap (4 vertices);Re-assign (3 "
+              "vertices);Nothing to undo.");
+    EXPECT_EQ(SceneBytes(), start);
 }
 
 TEST(Commands, OfTheTools)
@@ -380,13 +245,21 @@ mnuToolsStatsBoneNames = log=Bones (5):/Right01; shown=yes
 mnuToolsStatsTextureFilenames = log=Texture Filenames:/absent.bmp; shown=yes
 mnuViewToolsAutoAssign {Meshes 0 > 1 cmdCancel} =
 mnuViewToolsAutoAssign {Meshes 0 > 3 cmdOK} {! Mesh is not a skin. > OK} =
-mnuViewToolsAutoAssign {Meshes 0 > 1 cmdOK} = *skin=1:1231 || mnuViewToolsRegenNormals {Meshes 0 > 0 cmdOK} =
+mnuViewToolsAutoAssign {Meshes 0 > 1 cmdOK} = *skin=1:1231
+key N = *eye=10 -200 0.94 -0.059 -2; help=Vertex 1 of Body: Right01 among Left02; 3 such vertices.
+key N = *eye=10 -200 -0.94 0.059 -2; help=Vertex 2 of Body: Left02 among Right01; 3 such vertices.
+key N = *eye=10 -200 0 -0.985 -2; help=Vertex 3 of Body: Top03 among Right01; 3 such vertices.
+key N = *eye=10 -200 0.94 -0.059 -2; help=Vertex 1 of Body: Right01 among Left02; 3 such vertices.
+mnuViewToolsRegenNormals {Meshes 0 > 0 cmdOK} =
 mnuViewToolsRegenNormals {Meshes 0 > 1 cmdOK} = *meshes= Body/4s $Shadow/0s Plain/0
 mnuToolsRenameMesh {Meshes 0 > 1 cmdCancel} =
 mnuToolsRenameMesh {Meshes 0 > 1 cmdOK} {Rename Mesh|New mesh name:|Body > Esc} =
 mnuToolsRenameMesh {Meshes 0 > 1 cmdOK} {Rename Mesh|... > Bulk} = instances= Bulk/Bulk $Shadow/$Shadow; meshes=
  Bulk/4s $Shadow/0s Plain/0
 mnuToolsReloadTextures = *log=Texture "absent.bmp" not found.; shown=yes)");
+    EXPECT_EQ(UndoAll(window), ";Rename Mesh;Re-generate Normals;Auto-Assign (3 vertices);Nothing to undo.");
+    window.Do("key Ctrl+Shift+Z");
+    EXPECT_EQ(window->panels[0]->text(), QStringLiteral("Redo: Auto-Assign (3 vertices)"));
 }
 
 TEST(Commands, OfOptionsAndHelp)
@@ -405,8 +278,39 @@ mnuOptionsPointsize {Point Size|Point size (in pixels):|5 > 99} = *numbers=10 0.
 mnuOptionsPointsize {Point Size|Point size (in pixels):|10 > Esc} = *
 mnuHelpOpenglInfo {OpenGL Info -1 > cmdClose} = || mnuHelpAbout {About > cmdOk} =)");
     DoWithout("readme.html", window, "mnuHelpReadme", {"! Cannot find readme file. > OK"});
+}
+
+TEST(Commands, OfPagesThatTheDesktopOpens)
+{
+    const UiWindow window;
     // The desktop's handler is not waited for.
     const std::string note = window.Folder / "note";
+    // Where there is none, the toolkit asks whoever has put himself down for a kind of address.
+    class Reader : public QTextBrowser {
+    public:
+        explicit Reader(std::string path) : note(std::move(path))
+        {
+            QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "setSource");
+            QDesktopServices::setUrlHandler(QStringLiteral("https"), this, "setSource");
+        }
+        ~Reader() override
+        {
+            QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
+            QDesktopServices::unsetUrlHandler(QStringLiteral("https"));
+        }
+        Reader(const Reader&) = delete;
+        Reader& operator=(const Reader&) = delete;
+
+    protected:
+        void doSetSource(const QUrl& url, QTextDocument::ResourceType /*type*/) override
+        {
+            PutFile(note, url.toString(QUrl::PreferLocalFile).toStdString() + "\n");
+        }
+
+    private:
+        std::string note;
+    };
+    const Reader reader(note);
     const std::string opener = window.Folder / "xdg-open";
     PutFile(opener, "#!/bin/sh\necho \"$1\" > " + note + ".part\nmv " + note + ".part " + note + "\nsleep 2\n");
     std::filesystem::permissions(opener, std::filesystem::perms::owner_all);
@@ -414,7 +318,8 @@ mnuHelpOpenglInfo {OpenGL Info -1 > cmdClose} = || mnuHelpAbout {About > cmdOk} 
     qputenv("PATH", QByteArray::fromStdString(window.Folder.Path) + ':' + path);
     for (const std::string& target : {ProgramFolder() + "/readme.html", std::string("https://beastwright.example/")}) {
         target.starts_with("http") ? window.Do("mnuHelpAbout", {"labLink cmdOk"}) : window.Do("mnuHelpReadme");
-        EXPECT_TRUE(QTest::qWaitFor([&] { return Content(note) == target + "\n"; })) << Content(note);
+        const std::string wanted = QDir::fromNativeSeparators(QString::fromStdString(target)).toStdString() + "\n";
+        EXPECT_TRUE(QTest::qWaitFor([&] { return Content(note) == wanted; })) << Content(note);
     }
     qputenv("PATH", path);
 }
@@ -437,18 +342,23 @@ mnuFileOpen {O... > ~/none} {! File does not exist. > OK} {Open File|open ~/||..
  rows=NONE,Arm,Left02,Top03|NONE,$j$Low01,$j$High02; shadow=2:05; shown=yes; skin=1:1000; status=3:0; title=BWRT
  0.2.7 - [~/b.mvm]
 tab 1 = *tab=1 || row 1 = *bone=1; row=1 -1; status=1:1 || cmdUnAssign = *skin=1:0000
+key U = *eye=10 -200 0.94 -0.059 -2; help=Vertex 1 of Body; 4 unassigned.
+optShadow1 = *bone=0; row=1 0; status=1:0; target=1 || row 2 = *bone=5; row=1 2; status=1:5
+optShadow0 = *bone=1; status=0:1; target=0
 mnuFileRevert {! Any changes to open files will be lost.|Continue? > No} =
-mnuFileRevert {! Any... > Yes} = *bone=0; row=0 -1; shown=yes; skin=1:1000; status=3:0
+mnuFileRevert {! Any... > Yes} = *bone=0; help=Ready...; row=0 -1; shown=yes; skin=1:1000; status=3:0
+optShadow1 = *row=0 0; status=1:0; target=1 || optShadow0 = *status=3:0; target=0
 mnuFileSaveAs {Save File|save ~/|b.mvm|Morvane Models (*.mvm) > Esc} =
 mnuFileSaveAs {S... > ~/c.mvm} = file=~/c.mvm; files= b.mvm c.mvm; last=~/c.mvm; title=BWRT 0.2.7 - [~/c.mvm]
-cmdUnAssign {? No bone... > Yes} = *skin=1:0000 || mnuFileSave = || mnuFileRevert {! Any... > Yes} = *shown=yes;
+cmdUnAssign {? No bone... > Yes} = *skin=1:0000 || mnuFileSave = || mnuFileRevert {! Any... > Yes} = *row=0 -1; shown=yes;
  status=4:0
+key U = *help=Vertex 1 of Body; 4 unassigned.
 mnuFileOpen {O... > ~/b.mvm} {! Any changes to open files will be lost.|Continue? > Cancel} = last=~/b.mvm
 mnuFileNew {! Any changes to open files will be lost.|Continue? > No} = || mnuFileClose {! Any... > Cancel} =
 mnuFileClose {! Any... > Yes} = *file=; log=; off +FileSave +FileSaveAs +FileRevert +FileClose; open=no;
  rows=NONE|NONE; shadow=0:; skin=0:; status=0:0; title=BWRT 0.2.7
 mnuFileNew {New Vorrel -1 > test cmdBrowse cmdOK} {V... > ~/none} {x Runtime error in LoadMVM|... > OK} {! Cannot
- load skin model file. Please verify the content of this file. > OK} = *last=~/none; place=1 0
+ load skin model file. Please verify the content of this file. > OK} = *help=Ready...; last=~/none; place=1 0
 mnuFileNew {New Vorrel... > cmdCancel} =
 mnuFileNew {New Vorrel -1 > cmdBrowse test cmdOK} {Vorrel Skin Model File|open ~/||Morvane Models (*.mvm) >
  ~/c.mvm} {i Please select the model you want to use as skin. > OK} {Meshes 0 > 3 cmdOK} {! No instance... > OK} =

@@ -77,24 +77,34 @@ TEST(FileChoosers, StartWhereTheyAreToldAndGuardWhatIsThere)
     }
     std::filesystem::permissions(folder / "locked.mvm", std::filesystem::perms::owner_read);
     std::filesystem::create_directory(folder / "sub");
+    PutFile(folder / "sub/caf\xE9.mvm", "1");
     const auto lists = [](QDialog* dialog) {
         const auto* view = Part<QListView>(dialog, "listView");
         EXPECT_TRUE(QTest::qWaitFor([view] { return view->model()->rowCount(view->rootIndex()) == 4; }))
             << "three models of any case and a folder";
         EXPECT_EQ(Part<QComboBox>(dialog, "fileTypeCombo")->itemText(1), QStringLiteral("All Files (*.*)"));
         EXPECT_EQ(qobject_cast<QFileDialog*>(dialog)->nameFilters()[1], QStringLiteral("All Files (*.*) (*)"));
+        auto* open = Part<QDialogButtonBox>(dialog, "buttonBox")->button(QDialogButtonBox::Open);
+        for (const bool whole : {false, true}) {
+            dialog->findChild<QLineEdit*>()->setText(QLatin1String(whole ? "/a.mvm" : "a.mvm"));
+            open->setEnabled(false); // as while the folder is being read
+            EXPECT_EQ(open->isEnabled(), whole);
+        }
     };
     const auto save = [](QDialog* dialog) {
         QTest::mouseClick(Part<QDialogButtonBox>(dialog, "buttonBox")->button(QDialogButtonBox::Save), Qt::LeftButton);
     };
+    const std::string withSlashes =
+        QDir(QString::fromStdString(folder.Path)).filePath(QStringLiteral("sub")).toStdString();
+    const std::string drive = QDir::currentPath().section(u'/', 0, 0).toStdString(); // empty where there are none
     const std::tuple<bool, std::string, std::string, std::deque<Step>, std::string> cases[] = {
         {false, folder.Path, "", {Step("Title|open ~/||Models (*.mvm) > ~/a.mvm", lists)}, folder / "a.mvm"},
         {false, folder / "a.mvm", "", {"Title|open ~/|... > new"}, folder / "new"},
-        {false, folder / "sub", "", {"Title|open ~/sub/|... > \u00e9"}, folder / "sub/\u00e9"},
+        {false, withSlashes, "", {"Title|open ~/sub/|... > \u00e9"}, folder / "sub/\u00e9"},
         {false, folder / "gone/away/x.mvm", "", {"Title|open ~/|... > Esc"}, "none"},
         {false, folder / "bad\xFF/x.mvm", "", {"Title|open ~/|... > Esc"}, "none"},
         {false, "", "", {"Title|open " + QDir::currentPath().toStdString() + "/|... > Esc"}, "none"},
-        {false, "/none", "", {"Title|open //|... > Esc"}, "none"},
+        {false, drive + "/none", "", {"Title|open " + drive + "//|... > Esc"}, "none"},
         {true, folder.Path, "", {"Title|save ~/|... > new"}, folder / "new"},
         {true,
          folder.Path,
@@ -103,7 +113,12 @@ TEST(FileChoosers, StartWhereTheyAreToldAndGuardWhatIsThere)
           "! a.mvm already exists.|Do you want to replace it? > No", "T... > ~/a.mvm",
           "! a.mvm already exists.... > Yes"},
          folder / "a.mvm"},
-        {true, "/", folder / "caf\xE9.mvm", {Step("", save)}, folder / "caf\xE9.mvm"}};
+        {true, "/", folder / "caf\xE9.mvm", {Step("", save)}, folder / "caf\xE9.mvm"},
+        {true,
+         "/",
+         folder / "sub/caf\xE9.mvm",
+         {Step("", save), "! caf\uFFFD.mvm already exists.... > Yes"},
+         folder / "sub/caf\xE9.mvm"}};
     for (const auto& [saves, startIn, fileName, steps, wanted] : cases) {
         const Script script(steps);
         std::string path = "none";
@@ -111,6 +126,7 @@ TEST(FileChoosers, StartWhereTheyAreToldAndGuardWhatIsThere)
                   wanted != "none");
         EXPECT_EQ(path, wanted);
     }
+    std::filesystem::permissions(folder / "locked.mvm", std::filesystem::perms::owner_all); // else it stays on Windows
 }
 
 TEST(NewModel, GoesOnOnlyWithAPresetAndAModelAndStopsWhenClosed)
@@ -184,8 +200,10 @@ TEST(InfoLog, KeepsItsTextWhileItIsHidden)
     EXPECT_TRUE(QTest::qWaitFor([&] { return field->geometry() == QRect(2, 2, 497, 297); }));
     log->close();
     EXPECT_FALSE(IsInfoLogVisible() || log->testAttribute(Qt::WA_QuitOnClose));
+    field->moveCursor(QTextCursor::Start);
     LogLine("later");
     QCoreApplication::processEvents();
+    EXPECT_TRUE(field->textCursor().atEnd()) << "the field scrolls to a new line";
     EXPECT_EQ(field->toPlainText(), text + QStringLiteral("later\n"));
     LogLine("waiting");
     ClearInfoLog();

@@ -74,6 +74,8 @@ TEST_F(EditKeys, GPassesOverVerticesWithABone)
     EXPECT_EQ(Form().panels[0]->text().toStdString(),
               "Only vertices without a bone: 1 taken, " + std::to_string(count - 1) + " passed over.");
     EXPECT_EQ(CountBoneVerts(SkinMesh, 1), 1);
+    QTest::keyClick(Form().picMain, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Form().panels[0]->text(), QStringLiteral("Undo: Pick (1 vertex)"));
     EXPECT_EQ(Press(Qt::Key_G), "Picks take all vertices.");
     ViewCullVerts = true;
 }
@@ -97,6 +99,10 @@ TEST_F(EditKeys, DTurnsAJointForTheEyeAlone)
     QTest::keyRelease(Form().picMain, Qt::Key_D);
     ASSERT_TRUE(QTest::qWaitFor([] { return !TryingJoint; }));
     EXPECT_EQ(picture(), still);
+    QTest::keyPress(Form().picMain, Qt::Key_D);
+    EXPECT_TRUE(TryingJoint);
+    Form().OpenFile(std::string(CurrentFile));
+    EXPECT_FALSE(TryingJoint) << "it does not outlive its scene";
     SetActiveBone(0);
     EXPECT_EQ(Press(Qt::Key_D), "Choose a bone to try its joint.");
     EXPECT_FALSE(TryingJoint);

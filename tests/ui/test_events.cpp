@@ -1,4 +1,6 @@
 // Mouse, wheel, keys, focus, drops and progress on the real window.
+#include <csignal>
+#include <filesystem>
 
 #include "support/ui_window.h"
 #include "weights/modEdit.h"
@@ -22,6 +24,20 @@ std::string Walk(const UiWindow& window)
     return stops;
 }
 
+/// Runs one test of this program once more, in a process that has the variable.
+void RunAgain(const char* test, const char* variable, const std::string& value, int wanted)
+{
+    QProcess self;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QLatin1String(variable), QString::fromStdString(value));
+    self.setProcessEnvironment(environment);
+    self.setProcessChannelMode(QProcess::MergedChannels);
+    self.start(QApplication::applicationFilePath(),
+               {QStringLiteral("--gtest_filter=WindowEvents.") + QLatin1String(test)});
+    ASSERT_TRUE(self.waitForFinished(60000));
+    EXPECT_EQ(self.exitCode(), wanted) << self.readAll().toStdString();
+}
+
 } // namespace
 
 TEST(WindowMouse, ADragThroughTheListWalksTheBone)
@@ -31,7 +47,7 @@ TEST(WindowMouse, ADragThroughTheListWalksTheBone)
     BoneList* list = window->lstSkinBones;
     const auto row = [list](int i) { return list->visualItemRect(list->item(i)).center(); };
     QTest::mousePress(list->viewport(), Qt::LeftButton, {}, row(1));
-    for (const int bone : {2, 3, 4, 3}) {
+    for (const int bone : {2, 3, 4, 3, 3}) {
         ActiveBone = 5;
         QTest::mouseMove(list->viewport(), row(bone) + QPoint(bone, 0));
         EXPECT_EQ(ActiveBone, bone);
@@ -62,14 +78,15 @@ TEST(WindowKeys, CtrlTurnsThemOffUntilAKeyGoesUpOnTheView)
 TEST(WindowKeys, AreTakenByTheirPlaceOnOtherAlphabets)
 {
     const UiWindow window;
-    // Key, scan code, camera, tool: Cyrillic on the key of T, Greek on L and C, Arabic on D, which does nothing; signs
+    // Key, scan code of X, camera, tool: Cyrillic on the key of T, Greek on L and C, Arabic on D, which does nothing; signs
     // on 1, 3, 4 and 5; T of a Latin layout of another order, a Latin letter of its own, and no letter at all.
     const std::array<int, 4> keys[] = {{0x415, 28, 7, 0}, {0x39B, 46, 5, 0}, {0x3A8, 54, 2, 0},       {0x6CC, 40, 1, 0},
                                        {'&', 10, 1, 0},   {'"', 12, 1, 2},   {'\'', 13, 1, 3},        {'/', 14, 1, 3},
                                        {'T', 46, 7, 3},   {0xD6, 46, 1, 3},  {Qt::Key_Left, 28, 1, 3}};
     for (const auto& [key, scan, camera, tool] : keys) {
         window->SetCamera(1);
-        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, static_cast<quint32>(scan), 0, 0);
+        const bool isX = QGuiApplication::platformName() == QStringLiteral("xcb");
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, static_cast<quint32>(isX ? scan : scan - 8), 0, 0);
         QApplication::sendEvent(window->picMain, &event);
         EXPECT_EQ(CurrentCamera, camera) << key;
         EXPECT_EQ(ToolMode, tool) << key;
@@ -97,7 +114,7 @@ TEST(WindowEvents, ADropOpensTheFirstModelOfIt)
     const std::string path = window.Folder / "a%20\xC3\xB6.MVM";
     PutFile(path, SmallModel());
     PutFile(window.Folder / "b.txt", SmallModel());
-    const std::string folder = "file://" + window.Folder.Path;
+    const std::string folder = QUrl::fromLocalFile(QString::fromStdString(window.Folder.Path)).toString().toStdString();
     const std::string url = folder + "a%2520%C3%B6.MVM";
     const std::pair<std::string, bool> drops[] = {
         {folder + "b.txt\n" + url, false},         {folder, false},
@@ -182,19 +199,42 @@ TEST(WindowEvents, TheModelOfTheCommandLineOpensInAWindowOnTheScreen)
     EXPECT_TRUE(QTest::qWaitFor([] { return !IsInfoLogVisible(); }));
 }
 
+TEST(WindowEvents, ASignalToEndKeepsWhatWasChanged)
+{
+    const char* variable = "BEASTWRIGHT_MODEL_TO_END";
+    const std::string model = qgetenv(variable).toStdString();
+    if (!model.empty()) {
+        const UiWindow window(model);
+        window.Edit(1);
+        model.ends_with("changed.mvm") ? window.Do("cmdUnAssign") : window.Do("optMode0");
+        std::filesystem::remove(window.Folder.Path);
+        std::raise(SIGTERM);
+        QTest::qWait(5000);
+        return;
+    }
+    const TempFolder folder;
+    for (const char* name : {"same.mvm", "changed.mvm"}) {
+        PutFile(folder / name, SmallModel());
+        RunAgain("ASignalToEndKeepsWhatWasChanged", variable, folder / name, 128 + SIGTERM);
+    }
+    EXPECT_EQ(folder.Names(), (std::vector<std::string>{"changed.mvm", "changed.mvm.rescued", "same.mvm"}));
+    const UiWindow window(folder / "changed.mvm");
+    EXPECT_EQ(Meshes[SkinMesh].VertexBones[1], 1);
+    const QString note = QStringLiteral("Changes that were not saved when the program was ended lie in");
+    EXPECT_TRUE(LogField()->toPlainText().contains(note));
+    window->OpenFile(folder / "changed.mvm.rescued");
+    EXPECT_EQ(Meshes[SkinMesh].VertexBones[1], 0);
+    ClearInfoLog();
+    window->OpenFile(folder / "same.mvm");
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(LogField()->toPlainText().contains(note));
+}
+
 // Runs itself once more on a desktop that gives no OpenGL at all.
 TEST(WindowEvents, WorkWithoutOpenGL)
 {
     if (qgetenv("QT_XCB_GL_INTEGRATION") != "none") {
-        QProcess self;
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("QT_XCB_GL_INTEGRATION"), QStringLiteral("none"));
-        self.setProcessEnvironment(environment);
-        self.setProcessChannelMode(QProcess::MergedChannels);
-        self.start(QApplication::applicationFilePath(),
-                   {QStringLiteral("--gtest_filter=WindowEvents.WorkWithoutOpenGL")});
-        ASSERT_TRUE(self.waitForFinished(60000));
-        EXPECT_EQ(self.exitCode(), 0) << self.readAll().toStdString();
+        RunAgain("WorkWithoutOpenGL", "QT_XCB_GL_INTEGRATION", "none", 0);
         return;
     }
     const Script script({"x Initalizing OpenGL failed. > OK", "x Error initializing OpenGL. > OK"});

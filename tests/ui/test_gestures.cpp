@@ -4,6 +4,7 @@
 #include "app/modMvmDef.h"
 #include "modCamera.h"
 #include "modDrag.h"
+#include "modPick.h"
 #include "support/ui_window.h"
 #include "weights/modEdit.h"
 
@@ -33,10 +34,38 @@ TEST(Gestures, ABoxDoesNotOutliveItsScene)
         EXPECT_FALSE(window->ListDragging);
         return Assigned();
     };
-    EXPECT_EQ(boxAround([&] { window->OpenFile(path); }), 0);
+    const auto reopen = [&] {
+        PickOnlyFree = true;
+        window->OpenFile(path);
+        EXPECT_FALSE(PickOnlyFree);
+    };
+    EXPECT_EQ(boxAround(reopen), 0);
     EXPECT_EQ(boxAround([&] { window.Do("mnuFileRevert", {Question + "Yes"}); }), 0);
     window->ListDragging = false;
     EXPECT_GT(boxAround([&] { window->ListDragging = false; }), 0);
+    UnassignAll(SkinMesh);
+    boxAround([&] { window->ListDragging = false, EditTarget = 1, std::swap(SkinMesh, ShadowMesh); });
+    std::swap(SkinMesh, ShadowMesh);
+    EXPECT_GT(Assigned(), 0) << "as the shadow";
+}
+
+TEST(Gestures, OnlyTheLeftButtonOfTheSelectToolAssignsAndOnlyWhileEditing)
+{
+    const UiWindow window(BoardModel(9));
+    window.Edit(1);
+    const auto box = [&](Qt::MouseButton button) {
+        QTest::mousePress(window->picMain, button, {}, {2, 2});
+        QTest::mouseRelease(window->picMain, button, {}, window->picMain->rect().bottomRight());
+        return Assigned();
+    };
+    EXPECT_EQ(box(Qt::MiddleButton), 0);
+    window.Do("zoom");
+    EXPECT_EQ(box(Qt::LeftButton), 0);
+    window.Do("select");
+    window.Do("tab 0");
+    EXPECT_EQ(box(Qt::LeftButton), 0);
+    window.Do("tab 1");
+    EXPECT_GT(box(Qt::LeftButton), 0);
 }
 
 // The menu that comes up takes the releases.

@@ -1,6 +1,7 @@
 // What stands where in the window and its dialogs, and what it says.
 
 #include "dialogs/modBoxes.h"
+#include "dialogs/modFit.h"
 #include "modOpenGL.h"
 #include "support/ui_window.h"
 
@@ -109,6 +110,31 @@ TEST(WindowBuild, TheWidgetsHaveTheirPlaces)
             << text.toStdString();
         EXPECT_GE(QFontInfo(part->font()).pixelSize(), text.isEmpty() ? 0 : 9) << text.toStdString();
     }
+    EXPECT_EQ(QFontInfo(window->txtProgress->font()).pixelSize(), 10) << "taller figures are cut";
+    QLabel narrow(QStringLiteral("A caption that has a little less room"));
+    narrow.setFont(WindowFont());
+    narrow.resize(narrow.sizeHint() * 19 / 20 + QSize(0, 9));
+    FitCaption(&narrow);
+    EXPECT_EQ(narrow.font().pixelSize(), 11) << "narrower letters come before smaller ones";
+}
+
+TEST(WindowBuild, TheToolsFollowTheColoursOfTheDesktop)
+{
+    const UiWindow window;
+    const auto ground = [&] { return window->toolButtons[1]->icon().pixmap(16, 16).toImage().pixelColor(0, 0); };
+    const auto shade = [&](size_t tool) { return window->toolButtons[tool]->palette().color(QPalette::Button); };
+    const QColor before = ground();
+    QPalette dark = QApplication::palette();
+    dark.setColor(QPalette::Button, QColor(40, 40, 40));
+    QApplication::setPalette(dark);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(ground(), QColor(224, 224, 224)) << "the lines are dark";
+    EXPECT_NE(shade(0), shade(1)) << "the one that is down stands out";
+    window.Do("arcrot");
+    EXPECT_EQ(shade(0), shade(2));
+    QApplication::setPalette({});
+    QCoreApplication::processEvents();
+    EXPECT_EQ(ground(), before);
 }
 
 TEST(WindowBuild, TheWidgetsFollowTheSize)

@@ -135,3 +135,21 @@ TEST(WindowLoad, AStandingDialogIsAnsweredFirst)
     EXPECT_TRUE(ModelOpen);
     EXPECT_TRUE(before == ModelText() + SceneBytes());
 }
+
+// What waited while a chooser stood comes when it has closed, in the middle of the command.
+TEST(WindowLoad, ACloseThatWaitedForAChooserEndsTheCommand)
+{
+    for (const char* entry : {"mnuFileOpen", "mnuFileSaveAs"}) {
+        const UiWindow window(SmallModel());
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, [&] {
+            if (window->Busy()) {
+                window->close();
+            }
+        });
+        timer.start(0);
+        window.Do(entry, {"... > ~/none", Question + "Yes"});
+        EXPECT_TRUE(window->Unloaded());
+        EXPECT_EQ(window.Folder.Names(), std::vector<std::string>{"a.mvm"});
+    }
+}

@@ -7,6 +7,8 @@
 #include <set>
 #include <string_view>
 
+#include <assimp/commonMetaData.h>
+
 #include "modAssimpTexts.h"
 
 namespace {
@@ -49,11 +51,6 @@ bool IsFinite(const Matrix& matrix)
     return std::isfinite(sum);
 }
 
-Matrix Inverse(const aiMatrix4x4& offset)
-{
-    return Matrix(offset).Inverse();
-}
-
 /// True when both put the mesh, by the corners of its box, into the same place but for a thousandth of its size.
 bool AreAlike(const aiMesh& mesh, const Matrix& a, const Matrix& b)
 {
@@ -74,40 +71,66 @@ bool AreAlike(const aiMesh& mesh, const Matrix& a, const Matrix& b)
     return true;
 }
 
-/// How the mesh stands in the pose that it was bound in. Where a bone of it is known from another mesh, both must agree
-/// on it; else the nodes tell, unless they were saved in another pose.
-Matrix BoundMesh(const aiMesh& mesh, const Matrix& ofNode, const Nodes& nodes, const Skeleton& skeleton)
+/// What the formats mean by the transformations of skins.
+struct Habits {
+    bool IsFbx = false;             ///< a mesh was bound where its node stands
+    bool IsBlendersCollada = false; ///< a mesh is told in the space of its skeleton's node
+};
+
+Habits HabitsOf(const aiScene& scene)
 {
-    Matrix first;
-    bool hasFirst = false;
-    bool alike = true;
+    aiString format;
+    aiString generator;
+    const bool told = scene.mMetaData != nullptr && scene.mMetaData->Get(AI_METADATA_SOURCE_FORMAT, format);
+    (void)(told && scene.mMetaData->Get(AI_METADATA_SOURCE_GENERATOR, generator));
+    const std::string_view name(format.C_Str());
+    return {.IsFbx = name.find("FBX") != std::string_view::npos,
+            .IsBlendersCollada =
+                name.starts_with("Collada") && std::string_view(generator.C_Str()).starts_with("Blender")};
+}
+
+/// How the mesh stands in the pose that it was bound in, as its bones tell. Where a bone of it is known from another
+/// mesh, both must agree on it; else the nodes of its bones tell, if they all say the same. False when they do not: then
+/// the file was saved in another pose.
+bool BoundMesh(const aiMesh& mesh, const Nodes& nodes, const Skeleton& skeleton, Matrix* bound)
+{
+    bool found = false;
     for (unsigned i = 0; i < mesh.mNumBones; ++i) {
         const aiBone& bone = *mesh.mBones[i];
         const auto known = skeleton.Bound.find(bone.mName.C_Str());
         if (known != skeleton.Bound.end()) {
-            return known->second * Matrix(bone.mOffsetMatrix);
+            *bound = known->second * Matrix(bone.mOffsetMatrix);
+            return IsFinite(*bound);
         }
         const auto node = nodes.ByName.find(bone.mName.C_Str());
         if (node == nodes.ByName.end()) {
             continue;
         }
         const Matrix posed = node->second.ToScene * Matrix(bone.mOffsetMatrix);
-        alike = alike && (!hasFirst || AreAlike(mesh, first, posed));
-        first = hasFirst ? first : posed;
-        hasFirst = true;
+        if (found && !AreAlike(mesh, *bound, posed)) {
+            return false;
+        }
+        *bound = found ? *bound : posed;
+        found = true;
     }
-    return hasFirst && alike && IsFinite(first) ? first : ofNode;
+    return found && IsFinite(*bound);
 }
 
-void BindMesh(const aiMesh& mesh, const Matrix& ofNode, Nodes* nodes, Skeleton* skeleton)
+void BindMesh(const aiMesh& mesh, const Matrix& ofNode, const Matrix& ofRoot, const Habits& habits, Nodes* nodes,
+              Skeleton* skeleton)
 {
-    const Matrix toScene = BoundMesh(mesh, ofNode, *nodes, *skeleton);
-    skeleton->MeshesToScene.emplace(&mesh, toScene);
+    Matrix toScene;
+    const bool told = !habits.IsFbx && BoundMesh(mesh, *nodes, *skeleton, &toScene);
+    if (!told) {
+        toScene = ofNode;
+    }
+    const bool moves = told && habits.IsBlendersCollada;
+    skeleton->MeshesToScene.emplace(&mesh, moves ? ofNode * Matrix(ofRoot).Inverse() * toScene : toScene);
     for (unsigned i = 0; i < mesh.mNumBones; ++i) {
         const aiBone& bone = *mesh.mBones[i];
         const std::string name = bone.mName.C_Str();
         const auto node = nodes->ByName.find(name);
-        Matrix bound = toScene * Inverse(bone.mOffsetMatrix);
+        Matrix bound = toScene * Matrix(bone.mOffsetMatrix).Inverse();
         if (!IsFinite(bound)) {
             bound = node != nodes->ByName.end() ? node->second.ToScene : toScene;
         }
@@ -130,13 +153,17 @@ bool IsTipName(std::string_view name)
     return lower == "_end" || lower.ends_with("nub");
 }
 
-void AddBone(const std::string& name, const Matrix& bound, int32_t parent, const Nodes& nodes, ExchangeModel* model)
+bool IsJoint(const std::string& name, const Nodes& nodes)
 {
-    const bool isJoint = nodes.Carrying.contains(name) || !IsTipName(name);
-    model->Bones.push_back({TextOf(name),
-                            parent,
-                            {static_cast<float>(bound.a4), static_cast<float>(bound.b4), static_cast<float>(bound.c4)},
-                            isJoint});
+    return nodes.Carrying.contains(name) || !IsTipName(name);
+}
+
+void AddBone(const std::string& name, const Matrix& bound, int32_t parent, ExchangeModel* model)
+{
+    model->Bones.push_back(
+        {TextOf(name),
+         parent,
+         {static_cast<float>(bound.a4), static_cast<float>(bound.b4), static_cast<float>(bound.c4)}});
 }
 
 /// `bound` is how the node above stood when the meshes were bound; it counts only below a bone.
@@ -149,8 +176,8 @@ void AddBones(const aiNode& node, int32_t parent, const Matrix& bound, const Nod
     const bool hangsOn = parent >= 0 && (nodes.AboveBones.contains(&node) ||
                                          (!nodes.AboveMeshes.contains(&node) && !nodes.Others.contains(name)));
     const Matrix here = isOwn ? own->second : bound * Matrix(node.mTransformation);
-    if (isOwn || hangsOn) {
-        AddBone(name, here, parent, nodes, model);
+    if ((isOwn || hangsOn) && IsJoint(name, nodes)) {
+        AddBone(name, here, parent, model);
         parent = static_cast<int32_t>(model->Bones.size()) - 1;
         if (isOwn) {
             skeleton->Index.emplace(name, parent);
@@ -174,13 +201,15 @@ Skeleton TakeBones(const aiScene& scene, const Matrix& toScene, const std::vecto
     for (unsigned i = 0; i < scene.mNumCameras; ++i) {
         nodes.Others.insert(scene.mCameras[i]->mName.C_Str());
     }
+    const Habits habits = HabitsOf(scene);
+    const Matrix ofRoot = toScene * Matrix(scene.mRootNode->mTransformation);
     Skeleton skeleton;
     for (const MeshNode& at : meshNodes) {
         MarkAbove(at.Node, &nodes.AboveMeshes);
         for (unsigned i = 0; i < at.Node->mNumMeshes; ++i) {
             const aiMesh& mesh = *scene.mMeshes[at.Node->mMeshes[i]];
             if (mesh.HasBones()) {
-                BindMesh(mesh, at.ToScene, &nodes, &skeleton);
+                BindMesh(mesh, at.ToScene, ofRoot, habits, &nodes, &skeleton);
             }
         }
     }
@@ -189,9 +218,9 @@ Skeleton TakeBones(const aiScene& scene, const Matrix& toScene, const std::vecto
     }
     AddBones(*scene.mRootNode, -1, toScene, nodes, &skeleton, model);
     for (const auto& [name, bound] : skeleton.Bound) {
-        if (!skeleton.Index.contains(name)) {
+        if (!skeleton.Index.contains(name) && IsJoint(name, nodes)) {
             skeleton.Index.emplace(name, static_cast<int32_t>(model->Bones.size()));
-            AddBone(name, bound, -1, nodes, model);
+            AddBone(name, bound, -1, model);
         }
     }
     return skeleton;

@@ -76,7 +76,7 @@ std::string EndingOf(std::string_view name)
 Matrix SpaceOf(const aiScene& scene)
 {
     Matrix space;
-    double unit = 0;
+    float unit = 0;
     if (scene.mMetaData == nullptr || !scene.mMetaData->Get("UnitScaleFactor", unit)) {
         return space;
     }
@@ -97,7 +97,7 @@ Matrix SpaceOf(const aiScene& scene)
         }
     }
     constexpr double metre = 100;
-    const double scale = std::isfinite(unit) && unit > 0 ? unit / metre : 1 / metre;
+    const double scale = (std::isfinite(unit) && unit > 0 ? unit : 1) / metre;
     Matrix scaling;
     return Matrix::Scaling({scale, scale, scale}, scaling) * space;
 }
@@ -155,14 +155,20 @@ void AddPart(const aiMesh& from, const Matrix& toScene, Reading* reading, Exchan
             Vector normal = forNormals * wide(from.mNormals[i]);
             vertex.Normal = Narrow(normal.NormalizeSafe());
         }
-        if (from.HasTextureCoords(0)) {
-            const aiVector3D& at = from.mTextureCoords[0][i];
-            vertex.TexCoord = {std::isfinite(at.x) ? at.x : 0, std::isfinite(at.y) ? 1 - at.y : 0};
+        Vec2* const sets[] = {&vertex.TexCoord, &vertex.Number, &vertex.Numbers};
+        for (unsigned set = 0; set < std::size(sets); ++set) {
+            if (from.HasTextureCoords(set)) {
+                const aiVector3D& at = from.mTextureCoords[set][i];
+                *sets[set] = {std::isfinite(at.x) ? at.x : 0, std::isfinite(at.y) ? 1 - at.y : 0};
+            }
         }
         mesh->Vertices.push_back(vertex);
     }
-    ExchangePart part;
-    part.Material = TakeMaterial(from.mMaterialIndex, &reading->Materials, reading->Model);
+    const int32_t material = TakeMaterial(from.mMaterialIndex, &reading->Materials, reading->Model);
+    const auto same = std::find_if(mesh->Parts.begin(), mesh->Parts.end(),
+                                   [material](const ExchangePart& other) { return other.Material == material; });
+    ExchangePart& part = same == mesh->Parts.end() ? mesh->Parts.emplace_back() : *same;
+    part.Material = material;
     for (unsigned i = 0; i < from.mNumFaces; ++i) {
         const aiFace& face = from.mFaces[i];
         if (face.mNumIndices != 3 || *std::max_element(face.mIndices, face.mIndices + 3) >= from.mNumVertices) {
@@ -175,11 +181,10 @@ void AddPart(const aiMesh& from, const Matrix& toScene, Reading* reading, Exchan
         }
     }
     MendNormals(part, mesh);
-    mesh->Parts.push_back(std::move(part));
     reading->Morphed += from.mNumAnimMeshes > 0 ? 1 : 0;
 }
 
-/// Adds one mesh of all that Assimp made of it: those of one node with one name, which differ by their material.
+/// Adds one mesh of all that Assimp made of it, which differ by their material.
 void AddMesh(const MeshNode& at, const std::vector<const aiMesh*>& parts, const std::string& name, Reading* reading)
 {
     ExchangeMesh mesh;
@@ -195,6 +200,9 @@ void AddMesh(const MeshNode& at, const std::vector<const aiMesh*>& parts, const 
         for (size_t i = 0; i < bones.size(); ++i) {
             mesh.Vertices[i].Bone = bones[i];
         }
+        for (size_t bone = 0; bone < reading->Model->Bones.size(); ++bone) {
+            mesh.Joints.push_back(static_cast<int32_t>(bone));
+        }
     }
     std::erase_if(mesh.Parts, [](const ExchangePart& part) { return part.Triangles.empty(); });
     if (!mesh.Parts.empty()) {
@@ -208,8 +216,15 @@ void AddMeshes(const MeshNode& at, Reading* reading)
     for (unsigned i = 0; i < at.Node->mNumMeshes; ++i) {
         const aiMesh* const mesh = reading->Scene->mMeshes[at.Node->mMeshes[i]];
         const std::string name = TextOf(mesh->mName);
-        const auto same =
-            std::find_if(groups.begin(), groups.end(), [&name](const auto& group) { return group.first == name; });
+        // A further part of one mesh bears the same name, or that of its material.
+        aiString material;
+        const bool further =
+            !groups.empty() && mesh->mMaterialIndex < reading->Scene->mNumMaterials &&
+            reading->Scene->mMaterials[mesh->mMaterialIndex]->Get(AI_MATKEY_NAME, material) == AI_SUCCESS &&
+            material == mesh->mName;
+        const auto same = further ? groups.begin()
+                                  : std::find_if(groups.begin(), groups.end(),
+                                                 [&name](const auto& group) { return group.first == name; });
         (same == groups.end() ? groups.emplace_back(name, 0) : *same).second.push_back(mesh);
     }
     // A user knows the node's name, but a root's is the importer's own.
@@ -279,6 +294,7 @@ bool ReadScene(const std::string& path, ExchangeModel* model, std::string* error
     Assimp::Importer importer;
     importer.SetIOHandler(new FolderFiles(folder));
     importer.SetPropertyBool(AI_CONFIG_IMPORT_FBX_PRESERVE_PIVOTS, false);
+    importer.SetPropertyBool(AI_CONFIG_IMPORT_NO_SKELETON_MESHES, true);
     Reading reading{.Scene = importer.ReadFile(name, aiProcess_Triangulate | aiProcess_GenNormals), .Model = model};
     if (reading.Scene == nullptr || reading.Scene->mRootNode == nullptr) {
         *error = TextOf(std::string_view(importer.GetErrorString()));

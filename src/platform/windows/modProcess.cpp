@@ -59,6 +59,13 @@ int RunProgram(const std::string& path, const std::vector<std::string>& argument
     return code == noLibrary ? notFound : code > INT32_MAX ? -1 : static_cast<int>(code);
 }
 
+bool RunLimited(const std::string& /*path*/, const std::vector<std::string>& /*arguments*/,
+                const ProgramLimits& /*limits*/, ProgramEnd* /*end*/, std::string* error)
+{
+    *error = "This is not available on Windows.";
+    return false;
+}
+
 bool IsSameFile(const std::string& a, const std::string& b)
 {
     BY_HANDLE_FILE_INFORMATION first{};

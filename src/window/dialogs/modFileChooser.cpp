@@ -1,5 +1,8 @@
 #include "dialogs/modFileChooser.h"
 
+#include <algorithm>
+#include <filesystem>
+
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QEvent>
@@ -16,12 +19,6 @@
 #include "modPaths.h"
 
 namespace {
-
-#ifdef Q_OS_WIN
-constexpr const char* separators = "/\\";
-#else
-constexpr const char* separators = "/";
-#endif
 
 /// The program stores nothing between runs, but the toolkit's chooser keeps its history for all of the user's programs:
 /// in a file, which it is given none of, or on Windows in a place that cannot be moved, which gets back what it held.
@@ -103,12 +100,16 @@ bool KeepsItsBytes(const std::string& path)
 
 QString StartFolder(std::string path)
 {
+    constexpr auto separator = static_cast<char>(std::filesystem::path::preferred_separator);
+    std::replace(path.begin(), path.end(), '/', separator);
     while (!path.empty() && (!IsFolder(path) || !KeepsItsBytes(path))) {
-        const size_t slash = path.find_last_of(separators);
+        const size_t slash = path.rfind(separator);
         if (slash == std::string::npos) {
             return QDir::currentPath();
         }
-        path.resize(slash == 0 && path.size() > 1 ? 1 : slash);
+        // A drive without the separator behind it is the folder that is current on it.
+        const bool ofRoot = slash == 0 || path[slash - 1] == ':';
+        path.resize(ofRoot && path.size() > slash + 1 ? slash + 1 : slash);
     }
     return path.empty() ? QDir::currentPath() : TextOfPath(path);
 }

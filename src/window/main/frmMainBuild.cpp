@@ -47,9 +47,10 @@ QLabel* AddLabel(QWidget* parent, const char* name, const char* caption, QRect p
     return label;
 }
 
+/// By the window: when the desktop's colours change, it has the new ones before its parts do.
 bool IsDark(const QWidget* widget)
 {
-    return widget->palette().color(QPalette::Button).lightness() < 128;
+    return widget->window()->palette().color(QPalette::Button).lightness() < 128;
 }
 
 /// The picture of a tool, on a light ground where the desktop is dark: its lines are dark.
@@ -73,7 +74,7 @@ QIcon ToolIcon(const QString& name, bool onDark)
 void ShadeDown(QAbstractButton* button)
 {
     QPalette colors;
-    if (button->isChecked() && IsDark(button->parentWidget())) {
+    if (button->isChecked() && IsDark(button)) {
         colors.setColor(QPalette::Button, colors.color(QPalette::Highlight).darker());
     }
     button->setPalette(colors);
