@@ -90,8 +90,10 @@ ExitCode ConvertOut(const ConvertOptions& options)
     const std::string name(FileNameOf(options.Out));
     const bool isBinary = LowerCase(ExtensionOf(name)) == "glb";
     const std::string stem = name.substr(0, name.size() - ExtensionOf(name).size() - 1);
-    if (!ExchangeFromScene(std::string(DirectoryOf(options.In)), &model, &error) ||
-        !(isBinary ? GlbOf(model, &files[0].Bytes, &error) : GltfFilesOf(model, stem, &files, &error))) {
+    bool made = ExchangeFromScene(std::string(DirectoryOf(options.In)), &model, &error);
+    ForgetModel(); // its memory is wanted for the file
+    made = made && (isBinary ? GlbOf(model, &files[0].Bytes, &error) : GltfFilesOf(model, stem, &files, &error));
+    if (!made) {
         Tell(error);
         return ExitCode::Failed;
     }
