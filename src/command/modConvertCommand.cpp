@@ -66,7 +66,7 @@ bool MayWriteAll(const std::vector<NamedFile>& files, const std::string& folder,
     const bool isReplaced = IsPlainFile(options.Out); // and its files with it
     for (size_t i = 1; i < files.size(); ++i) {
         const std::string path = folder + files[i].Name;
-        if (IsPlainFile(path) && !isReplaced) {
+        if (IsFolder(path) || (IsPlainFile(path) && !isReplaced)) {
             Tell("\"" + path + "\" is there already; take another name, or remove it first.");
             return false;
         }
@@ -192,6 +192,10 @@ ExitCode ConvertIn(const ConvertOptions& options)
 
 ExitCode Convert(const ConvertOptions& options)
 {
+    if (IsFolder(options.Out)) { // its save would fail when the files beside it are written
+        Tell("\"" + options.Out + "\" is a folder.");
+        return ExitCode::Failed;
+    }
     if (IsModelName(options.In) && IsGltfName(options.Out)) {
         if (!options.Like.empty() || !options.Skin.empty()) {
             Tell("--like and --skin are for the way back to a model.");

@@ -1,6 +1,7 @@
 #include "modLike.h"
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <optional>
 #include <set>
@@ -87,6 +88,13 @@ ExchangePlacement PlacementInScene(int32_t index)
 Matrix MatrixOf(const ExchangePlacement& placement)
 {
     return MatrixOf(placement.Position, placement.Rotation, placement.Scale);
+}
+
+double ExtentFromOrigin(int32_t index)
+{
+    const ExchangePlacement at = PlacementInScene(index);
+    const double move = std::max({std::fabs(at.Position.X), std::fabs(at.Position.Y), std::fabs(at.Position.Z)});
+    return ExtentOf(Meshes[index]) + move / std::fabs(at.Scale);
 }
 
 /// The mesh in the space of the scene's own.
@@ -215,7 +223,8 @@ bool MergeIntoScene(const ExchangeModel& model, bool* isDoubtful, std::vector<st
                             .Model = Meshes[index],
                             .Salt = NumberSalt(Meshes[index], index),
                             .Bones = bones,
-                            .HasBones = inFile.IsSkinned && IsBoundMesh(index)};
+                            .HasBones = inFile.IsSkinned && IsBoundMesh(index),
+                            .Extent = ExtentFromOrigin(index)};
         MergeCounts counts;
         MvmMesh result;
         if (!MergeMesh(pair, materials, &result, &counts, error)) {

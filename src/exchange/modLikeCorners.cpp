@@ -22,7 +22,7 @@ OldMesh OldMeshOf(const LikePair& pair)
 {
     constexpr double part = 1e-5;
     OldMesh old{.Pair = pair};
-    old.Near = part * ExtentOf(pair.Model);
+    old.Near = part * pair.Extent;
     std::vector<TreeNode> nodes;
     for (int32_t vertex = 1; vertex <= pair.Model.VertexCount(); ++vertex) {
         nodes.push_back({PlaceOf(pair.Model.Vertices[vertex]), vertex, 0});

@@ -13,6 +13,7 @@ struct LikePair {
     /// Of each bone of the file: the number into Bones, 0 for one that the model has not.
     const std::vector<int16_t>& Bones;
     bool HasBones = true; ///< the file says what vertices belong to
+    double Extent = 0; ///< the largest coordinate, also of the scene's origin: a place far from it is known less well
 };
 
 /// The largest coordinate of the model's mesh.

@@ -193,7 +193,7 @@ void ClaimVertices(Merge* merge)
         }
     }
     constexpr double part = 1e-6;
-    const double near = part * ExtentOf(model);
+    const double near = part * merge->Pair.Extent;
     merge->References.resize(joined.Vertices.size());
     for (size_t i = 0; i < joined.Vertices.size(); ++i) {
         const int32_t number = joined.Numbers[i];

@@ -117,7 +117,7 @@ TEST_F(Convert, TouchesNothingWhenItFails)
         PutFile(Folder / name, name == "readonly.mvm" ? Plain : glb);
         std::filesystem::permissions(PathOf(Folder / name), std::filesystem::perms(0444));
     }
-    for (const char* name : {"folder.glb", "folder.mvm", "deep.gltf", "deep.bin"}) {
+    for (const char* name : {"folder.glb", "folder.mvm", "folder.gltf", "deep.bin"}) {
         std::filesystem::create_directory(PathOf(Folder / name));
     }
     std::filesystem::create_hard_link(PathOf(Path), PathOf(Folder / "twin.glb"));
@@ -157,14 +157,15 @@ TEST_F(Convert, TouchesNothingWhenItFails)
         {"a.glb ./a.mvm --like a.mvm", "is the model of --like itself; --in-place writes to it."},
         {"a.glb b.mvm --like a.mvm --in-place", "--in-place is for an OUT that is the model of --like."},
         {"a.mvm other.gltf", "\"other.bin\" is there already; take another name, or remove it first."},
-        {"a.mvm folder.glb", "bwrt: folder.glb: "},
-        {"a.mvm deep.gltf", "bwrt: "},
-        {"a.glb folder.mvm", "bwrt: folder.mvm: "},
+        {"a.mvm folder.glb", "\"folder.glb\" is a folder."},
+        {"a.mvm deep.gltf", "\"deep.bin\" is there already;"},
+        {"a.mvm folder.gltf", "\"folder.gltf\" is a folder."},
+        {"a.glb folder.mvm", "\"folder.mvm\" is a folder."},
         {"a.mvm nofolder/b.glb", "bwrt: nofolder/b.glb: "},
         {"a.mvm nofolder/b.gltf", "bwrt: nofolder/b.bin: "},
         {"a.glb nofolder/b.mvm", "bwrt: nofolder/b.mvm: "},
         {"red.gltf nofolder/b.mvm", "bwrt: nofolder/"},
-        {"red.gltf folder.mvm", "bwrt: folder.mvm: "},
+        {"red.gltf folder.mvm", "\"folder.mvm\" is a folder."},
     };
     const auto before = Listing();
     for (const auto& [words, text] : cases) {
