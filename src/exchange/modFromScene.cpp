@@ -121,7 +121,7 @@ void AddMeshes(ExchangeModel* model, std::vector<MeshRecord>* records)
     for (int32_t index = 1; index <= MeshCount(); ++index) {
         const MvmMesh& mesh = Meshes[index];
         const bool isSkinned = mesh.IsSkin && (index == SkinMesh || index == ShadowMesh);
-        const uint32_t salt = NumberSalt(mesh.Name, index);
+        const uint32_t salt = NumberSalt(mesh, index);
         ExchangeMesh exchanged;
         exchanged.Name = meshNames[static_cast<size_t>(index) - 1];
         std::vector<int16_t> materials;

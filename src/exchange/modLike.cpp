@@ -37,7 +37,7 @@ int32_t MeshByNumbers(const ExchangeMesh& mesh)
     int32_t best = 0;
     size_t most = 0;
     for (int32_t index = 1; index <= MeshCount(); ++index) {
-        const auto found = votes.find(NumberSalt(Meshes[index].Name, index));
+        const auto found = votes.find(NumberSalt(Meshes[index], index));
         if (found != votes.end() && found->second > most) {
             most = found->second;
             best = index;
@@ -221,7 +221,7 @@ bool MergeIntoScene(const ExchangeModel& model, bool* isDoubtful, std::vector<st
         const ExchangeMesh inFile = InSpaceOf(model.Meshes[i], index);
         const LikePair pair{.File = inFile,
                             .Model = Meshes[index],
-                            .Salt = NumberSalt(Meshes[index].Name, index),
+                            .Salt = NumberSalt(Meshes[index], index),
                             .Bones = bones,
                             .HasBones = inFile.IsSkinned && IsBoundMesh(index),
                             .Extent = ExtentFromOrigin(index)};

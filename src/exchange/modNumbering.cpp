@@ -24,11 +24,17 @@ bool IsWhole(float value, float least, float most)
 
 } // namespace
 
-uint32_t NumberSalt(std::string_view meshName, int32_t meshIndex)
+uint32_t NumberSalt(const MvmMesh& mesh, int32_t meshIndex)
 {
     uint32_t sum = Mixed(static_cast<uint32_t>(meshIndex));
-    for (const char c : meshName) {
+    for (const char c : mesh.Name) {
         sum = Mixed(sum ^ static_cast<unsigned char>(c)) + 1;
+    }
+    sum = Mixed(sum ^ static_cast<uint32_t>(mesh.VertexCount())) + 1;
+    for (const MvmFace& face : mesh.Faces) {
+        for (const int16_t vertex : face.Vertex) {
+            sum = Mixed(sum ^ static_cast<uint16_t>(vertex)) + 1;
+        }
     }
     return sum % range;
 }

@@ -66,7 +66,7 @@ bool RestoreMeshes(const ExchangeModel& model, const std::vector<MeshRecord>& re
     for (int32_t index = 1; index <= MeshCount(); ++index) {
         const MeshRecord& record = records[static_cast<size_t>(index) - 1];
         MvmMesh& mesh = Meshes[index];
-        const uint32_t salt = NumberSalt(mesh.Name, index);
+        uint32_t salt = 0; // that of the mesh as it was written; its faces are yet to come
         if (record.Sum.empty()) {
             if (!MeshFromRest(record.Rest, {}, salt, {}, &mesh)) {
                 return false;
@@ -77,6 +77,7 @@ bool RestoreMeshes(const ExchangeModel& model, const std::vector<MeshRecord>& re
             return one.Name == names[static_cast<size_t>(index) - 1];
         });
         if (found == model.Meshes.end() || ShapeSum(model, *found) != record.Sum || !StandsAsRecorded(*found, mesh) ||
+            found->Vertices.empty() || !SaltOf(found->Vertices.front().Number, &salt) ||
             !MeshFromRest(record.Rest, *found, salt, bones, &mesh)) {
             return false;
         }
