@@ -373,22 +373,28 @@ std::vector<int32_t> MatchFaces(const Merge& merge)
             matches.push_back(0);
             continue;
         }
-        // Of two faces over the same vertices the one that looks the same way, and of those the one with the same
-        // texture coordinates.
+        // Of two faces over the same vertices the one that looks the same way, and of those the one that has most else
+        // in common.
         std::vector<int32_t>& faces = found->second;
+        const int32_t part = merge.Pair.File.Parts[static_cast<size_t>(face.Part)].Material;
+        const std::string* const material = part < 0 ? nullptr : &merge.Materials[static_cast<size_t>(part)];
         const auto rank = [&](int32_t index) {
             const MvmFace& old = model.Faces[index];
+            const bool hasMaterial = model.MeshMaterials.Has(old.Material);
+            const bool sameMaterial = hasMaterial == (material != nullptr) &&
+                                      (!hasMaterial || model.MeshMaterials[old.Material].Name == *material);
             int best = 0;
             for (size_t first = 0; first < 3; ++first) {
                 int equal = 0;
-                int pairs = 0;
+                int others = sameMaterial ? 2 : 0;
                 for (size_t k = 0; k < 3; ++k) {
                     const size_t own = (first + k) % 3;
                     equal += old.Vertex[own] == numbers[k] ? 1 : 0;
                     const ExchangeVertex& corner = merge.Pair.File.Vertices[face.Corners[k]];
-                    pairs += corner.Numbers.U == static_cast<float>(old.TexCoord[own]) ? 1 : 0;
+                    others += corner.Numbers.U == static_cast<float>(old.TexCoord[own]) ? 2 : 0;
+                    others += corner.Numbers.V == static_cast<float>(old.Normal[own]) ? 1 : 0;
                 }
-                best = std::max(best, equal == 3 ? 4 + pairs : 0);
+                best = std::max(best, equal == 3 ? 1 + others : 0);
             }
             return best;
         };

@@ -30,9 +30,16 @@ std::string TextFrom(const Json& json, const char* key)
     return CodePageFromUtf8(json.at(key).get_ref<const std::string&>());
 }
 
+/// A whole number; 0 for any other.
+int64_t WholeFrom(const Json& json, const char* key)
+{
+    const Json& number = json.at(key);
+    return number.is_number_integer() ? number.get<int64_t>() : 0;
+}
+
 int16_t MeshNumberFrom(const Json& json, const char* key)
 {
-    const auto number = json.at(key).get<int64_t>();
+    const int64_t number = WholeFrom(json, key);
     return number >= 1 && number <= std::min<int64_t>(MeshCount(), INT16_MAX) ? static_cast<int16_t>(number)
                                                                               : int16_t{0};
 }
@@ -132,7 +139,7 @@ bool SceneFromRecord(const std::string& record, std::vector<MeshRecord>* meshes)
 {
     try {
         const Json json = Json::parse(record);
-        if (json.at("version").get<int>() != recordVersion) {
+        if (WholeFrom(json, "version") != recordVersion) {
             return false;
         }
         TakeBones(json.at("bones"));

@@ -157,6 +157,13 @@ TEST_F(ATrip, GivesBackOddModelsByteForByte)
                  Skin().Faces.Add(Skin().Faces[3]);
              }
          }},
+        {"the same face with other materials and normals",
+         [] {
+             Skin().Faces.Items.insert(Skin().Faces.begin() + 2, {{{1, 2, 3}, {1, 1, 1}, {1, 2, 3}, 0},
+                                                                  {{1, 2, 3}, {1, 1, 1}, {1, 2, 3}, 2},
+                                                                  {{1, 2, 3}, {3, 1, 1}, {1, 2, 3}, 1},
+                                                                  {{1, 2, 3}, {1, 1, 1}, {1, 2, 3}, 1}});
+         }},
         {"equal names",
          [] {
              Bones[1].Name = Bones[2].Name = "Leg";

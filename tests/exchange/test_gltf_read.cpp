@@ -281,6 +281,12 @@ TEST_F(AReader, PutsMeshesWhereNodesHaveThem)
         EXPECT_EQ(Model.Meshes.size(), c.Meshes);
     }
     EXPECT_EQ(Read([](auto* file) {
+                  file->Primitive()["attributes"]["NORMAL"] = file->Add(std::vector<float>(12, 0.57735F), "VEC3");
+                  file->At("/nodes/0/matrix") = {0, 0, 1, 0, 2, 0, 0, 0, 0, 4, 0, 0, 0, 0, 0, 1};
+              }),
+              "");
+    EXPECT_EQ(PlaceText(Model.Meshes.at(0).Vertices.at(0).Normal), "0.4364,0.2182,0.8729");
+    EXPECT_EQ(Read([](auto* file) {
                   file->Root.erase("scene");
                   file->Root.erase("scenes");
                   file->Root["nodes"] = {{{"children", {1}}}, {{"mesh", 0}}};

@@ -304,6 +304,8 @@ TEST_F(AModelsLikeness, TakesWhatWasChangedAndNothingElse)
         EXPECT_EQ(Merged(c.Edit), With(c.Replaced));
         EXPECT_THAT(Notes, testing::Contains(HasSubstr(c.Note)));
         EXPECT_FALSE(IsDoubtful);
+        const auto renamed = static_cast<size_t>(c.Name == "a bone renamed" ? 1 : 0);
+        EXPECT_THAT(Notes, testing::Contains(HasSubstr("have other names;")).Times(renamed));
     }
 }
 

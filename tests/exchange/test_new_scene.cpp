@@ -82,6 +82,7 @@ TEST_F(ANewModel, HasOneSkinAndOneShadow)
     EXPECT_THAT(text, HasSubstr(CrLf("instance \"Body\"|{| mesh = \"Body\"| position = (0,0,0)| rotation = (0,0,0)|"
                                      " scale = 2|}|")));
     EXPECT_THAT(Notes, testing::Contains(HasSubstr("so the meshes \"Body\", \"To$p\" became one; --skin NAME")));
+    EXPECT_THAT(Notes, testing::Contains("The mesh \"Eye {l}\" is called \"Eye__l_\" now."));
     const std::string chosen = Made(model, "To$p");
     EXPECT_THAT(chosen, HasSubstr("skin \"To_p\"\r\n"));
     EXPECT_THAT(chosen, HasSubstr("mesh \"Body\"\r\n"));
