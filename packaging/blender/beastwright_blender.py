@@ -12,14 +12,13 @@ from bpy.props import BoolProperty, StringProperty
 from bpy_extras.io_utils import ExportHelper, ImportHelper
 
 bl_info = {
-    "name": "Beastwright models",
-    "author": "The Beastwright developers",
+    "name": "Beastwright models", "author": "The Beastwright developers",
     "version": (1, 0, 0), "blender": (3, 4, 0),
-    "location": "File > Import, File > Export",
-    "description": "Import and export creature models (.mvm); needs Beastwright's program bwrt",
-    "category": "Import-Export"}
+    "location": "File > Import, File > Export", "category": "Import-Export",
+    "description": "Import and export creature models (.mvm); needs Beastwright's program bwrt"}
 
-MODEL = "beastwright_model"  # custom property of imported objects: the model that they came from
+# Custom properties of imported objects: the model that they came from, and its state then.
+MODEL, STATE = "beastwright_model", "beastwright_state"
 
 # What was not touched comes back as it was.
 IMPORT_SETTINGS = {"merge_vertices": False, "import_shading": "NORMALS", "bone_heuristic": "TEMPERANCE",
@@ -27,20 +26,15 @@ IMPORT_SETTINGS = {"merge_vertices": False, "import_shading": "NORMALS", "bone_h
 # Of several versions of Blender; what one does not know is left out. Modifiers and poses stay out of the shape.
 EXPORT_SETTINGS = {
     "export_format": "GLB", "export_materials": "EXPORT", "export_image_format": "AUTO", "export_vertex_color": "NONE",
-    **dict.fromkeys("""use_active_scene export_yup export_texcoords export_normals export_skins export_all_influences
-        export_rest_position_armature""".split(), True),
-    **dict.fromkeys("""check_existing will_save_settings use_visible use_renderable use_active_collection use_mesh_edges
-        use_mesh_vertices export_apply export_gn_mesh export_gpu_instances export_tangents export_colors export_extras
-        export_all_vertex_colors export_active_vertex_color_when_no_material export_attributes export_cameras
-        export_lights export_def_bones export_hierarchy_flatten_bones export_hierarchy_flatten_objs
-        export_armature_object_remove export_leaf_bone export_current_frame export_animations export_morph
-        export_draco_mesh_compression_enable""".split(), False)}
+    **dict.fromkeys("""use_active_scene export_yup export_texcoords export_normals export_skins
+        export_all_influences""".split(), True),
+    **dict.fromkeys("""export_apply export_colors export_all_vertex_colors export_active_vertex_color_when_no_material
+        export_attributes export_extras export_current_frame export_animations export_morph""".split(), False)}
 
 
 class Preferences(bpy.types.AddonPreferences):
     bl_idname = __name__
-    program: StringProperty(name="Program bwrt", subtype="FILE_PATH",
-                            description="Where bwrt lies, if it is not found by itself")
+    program: StringProperty(name="Program bwrt", subtype="FILE_PATH", description="Where it lies, if it is not found")
 
     def draw(self, _context):
         self.layout.prop(self, "program")
@@ -74,7 +68,7 @@ def convert(source, target, *options):
                               creationflags=getattr(subprocess, "CREATE_NO_WINDOW", 0))
     except OSError as error:
         raise ValueError(f"{program} does not start: {error}") from error
-    told = done.stderr.decode("utf-8", "replace")
+    told = done.stderr.decode("utf-8", "replace").replace("--force", "Moved Skeleton")
     for path in (source, target):
         if path.endswith(".glb"):  # ours, and gone when this is read
             told = told.replace(f"{path}: ", "").replace(path, "Blender's file")
@@ -114,7 +108,7 @@ def models_of(objects):
 class ImportModel(bpy.types.Operator, ImportHelper):
     """Import a creature model of Beastwright"""
     bl_idname = "import_scene.beastwright"
-    bl_label = "Import Beastwright model"
+    bl_label = "Import Model"
     bl_options = {"UNDO"}
     filename_ext = ".mvm"
     filter_glob: StringProperty(default="*.mvm", options={"HIDDEN"})
@@ -134,7 +128,7 @@ class ImportModel(bpy.types.Operator, ImportHelper):
             self.report({"ERROR"}, str(failure))
             return {"CANCELLED"}
         for item in set(bpy.data.objects) - there:
-            item[MODEL] = model
+            item[MODEL], item[STATE] = model, str(os.stat(model).st_mtime_ns)
         tell(self, f"Imported {os.path.basename(model)}", lines)
         return {"FINISHED"}
 
@@ -142,7 +136,7 @@ class ImportModel(bpy.types.Operator, ImportHelper):
 class ExportModel(bpy.types.Operator, ExportHelper):
     """Export a creature model for Beastwright"""
     bl_idname = "export_scene.beastwright"
-    bl_label = "Export Beastwright model"
+    bl_label = "Export Model"
     filename_ext = ".mvm"
     filter_glob: StringProperty(default="*.mvm", options={"HIDDEN"})
     like: StringProperty(name="Made from", description="The model whose bones, materials, textures, instances, names "
@@ -150,6 +144,8 @@ class ExportModel(bpy.types.Operator, ExportHelper):
     use_selection: BoolProperty(name="Selected Objects", description="Export these alone; select the skeleton as well")
     force: BoolProperty(name="Moved Skeleton", description="Take the shape also where the bones stand elsewhere than "
                         "in the model", options={"SKIP_SAVE"})
+    replace: BoolProperty(name="Replace Assignments", description="Write to the model also where it was changed after "
+                          "the import. What was assigned there since is lost", options={"SKIP_SAVE"})
 
     def invoke(self, context, event):
         models = models_of(context.selected_objects) or models_of(context.scene.objects)
@@ -158,43 +154,47 @@ class ExportModel(bpy.types.Operator, ExportHelper):
 
     def execute(self, context):
         target = os.path.abspath(bpy.path.ensure_ext(bpy.path.abspath(self.filepath), ".mvm"))
-        models = models_of(context.selected_objects if self.use_selection else context.scene.objects)
+        objects = context.selected_objects if self.use_selection else context.scene.objects
+        origins = [item for item in objects if item.get(MODEL)]
+        models = models_of(origins)
         like = self.like if self.properties.is_property_set("like") else "".join(models[:1])
-        options = ["--like", like, *(["--force"] if self.force else [])] if like else []
-        if like and os.path.exists(target) and os.path.exists(like) and os.path.samefile(target, like):
-            options += ["--in-place"]
+        in_place = like and os.path.exists(target) and os.path.exists(like) and os.path.samefile(target, like)
+        options = ["--like", like, *(["--force"] if self.force else []), *(["--in-place"] if in_place else [])]
         try:
             if len(models) > 1:
                 raise ValueError("Several models are here. Select all that belongs to one, and tick Selected Objects.")
+            known = {item.get(STATE) for item in origins}
+            if in_place and not self.replace and known != {str(os.stat(like).st_mtime_ns)}:
+                raise ValueError(f"{like} was changed after the import. What was assigned in it since would be lost: "
+                                 "import it anew, take another name, or tick Replace Assignments.")
             with tempfile.TemporaryDirectory(prefix="beastwright-") as folder:
                 path = os.path.join(folder, "model.glb")
                 run_gltf(bpy.ops.export_scene.gltf, path, {**EXPORT_SETTINGS, "use_selection": self.use_selection})
-                lines = convert(path, target, *options)
+                lines = convert(path, target, *(options if like else []))
         except ValueError as failure:
             self.report({"ERROR"}, str(failure))
             return {"CANCELLED"}
+        for item in origins if in_place else ():
+            item[STATE] = str(os.stat(like).st_mtime_ns)
         tell(self, f"Exported {os.path.basename(target)}", lines)
         return {"FINISHED"}
 
 
-def import_entry(menu, _context):
-    menu.layout.operator(ImportModel.bl_idname, text="Beastwright model (.mvm)")
+def entry_of(operator):
+    return lambda menu, _context: menu.layout.operator(operator.bl_idname, text="Beastwright model (.mvm)")
 
 
-def export_entry(menu, _context):
-    menu.layout.operator(ExportModel.bl_idname, text="Beastwright model (.mvm)")
-
-
+IMPORT_ENTRY, EXPORT_ENTRY = entry_of(ImportModel), entry_of(ExportModel)
 register_classes, unregister_classes = bpy.utils.register_classes_factory((Preferences, ImportModel, ExportModel))
 
 
 def register():
     register_classes()
-    bpy.types.TOPBAR_MT_file_import.append(import_entry)
-    bpy.types.TOPBAR_MT_file_export.append(export_entry)
+    bpy.types.TOPBAR_MT_file_import.append(IMPORT_ENTRY)
+    bpy.types.TOPBAR_MT_file_export.append(EXPORT_ENTRY)
 
 
 def unregister():
-    bpy.types.TOPBAR_MT_file_import.remove(import_entry)
-    bpy.types.TOPBAR_MT_file_export.remove(export_entry)
+    bpy.types.TOPBAR_MT_file_import.remove(IMPORT_ENTRY)
+    bpy.types.TOPBAR_MT_file_export.remove(EXPORT_ENTRY)
     unregister_classes()

@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -64,7 +66,7 @@ bool MayWriteAll(const std::vector<NamedFile>& files, const std::string& folder,
     const bool isReplaced = IsPlainFile(options.Out); // and its files with it
     for (size_t i = 1; i < files.size(); ++i) {
         const std::string path = folder + files[i].Name;
-        if (IsPlainFile(path) && !isReplaced) {
+        if (IsFolder(path) || (IsPlainFile(path) && !isReplaced)) {
             Tell("\"" + path + "\" is there already; take another name, or remove it first.");
             return false;
         }
@@ -88,8 +90,10 @@ ExitCode ConvertOut(const ConvertOptions& options)
     const std::string name(FileNameOf(options.Out));
     const bool isBinary = LowerCase(ExtensionOf(name)) == "glb";
     const std::string stem = name.substr(0, name.size() - ExtensionOf(name).size() - 1);
-    if (!ExchangeFromScene(std::string(DirectoryOf(options.In)), &model, &error) ||
-        !(isBinary ? GlbOf(model, &files[0].Bytes, &error) : GltfFilesOf(model, stem, &files, &error))) {
+    bool made = ExchangeFromScene(std::string(DirectoryOf(options.In)), &model, &error);
+    ForgetModel(); // its memory is wanted for the file
+    made = made && (isBinary ? GlbOf(model, &files[0].Bytes, &error) : GltfFilesOf(model, stem, &files, &error));
+    if (!made) {
         Tell(error);
         return ExitCode::Failed;
     }
@@ -115,6 +119,27 @@ bool ReadExchange(const ConvertOptions& options, ExchangeModel* model)
     }
     NoteAll(model->Notes);
     return true;
+}
+
+/// Saves the scene with its pictures, which are new files, or leaves nothing.
+bool SaveWithMaps(const std::string& out, const std::vector<MapFile>& maps)
+{
+    size_t written = 0;
+    bool good = true;
+    while (good && written < maps.size()) {
+        const MapFile& map = maps[written];
+        FileSpokenOf = map.Path;
+        good = SaveGuarded("convert", map.Path, {}, [&](const PartWriter& write) { write(map.Bytes); });
+        written += good ? 1 : 0;
+    }
+    if (good && SaveModel(out, {out, false})) {
+        return true;
+    }
+    for (size_t i = 0; i < written; ++i) {
+        std::error_code ignored;
+        std::filesystem::remove(maps[i].Path, ignored);
+    }
+    return false;
 }
 
 ExitCode ConvertIn(const ConvertOptions& options)
@@ -164,17 +189,15 @@ ExitCode ConvertIn(const ConvertOptions& options)
         return ExitCode::Failed;
     }
     ModelOpen = true;
-    for (const MapFile& map : maps) {
-        FileSpokenOf = map.Path;
-        if (!SaveGuarded("convert", map.Path, {}, [&](const PartWriter& write) { write(map.Bytes); })) {
-            return ExitCode::Failed;
-        }
-    }
-    return SaveModel(options.Out, {options.Out, false}) ? ExitCode::Done : ExitCode::Failed;
+    return SaveWithMaps(options.Out, maps) ? ExitCode::Done : ExitCode::Failed;
 }
 
 ExitCode Convert(const ConvertOptions& options)
 {
+    if (IsFolder(options.Out)) { // its save would fail when the files beside it are written
+        Tell("\"" + options.Out + "\" is a folder.");
+        return ExitCode::Failed;
+    }
     if (IsModelName(options.In) && IsGltfName(options.Out)) {
         if (!options.Like.empty() || !options.Skin.empty()) {
             Tell("--like and --skin are for the way back to a model.");

@@ -22,34 +22,6 @@ bool IsFinite(const Vec3& triple)
     return std::isfinite(triple.X) && std::isfinite(triple.Y) && std::isfinite(triple.Z);
 }
 
-/// What is not finite has no form in the file.
-bool AllFinite(std::string* error)
-{
-    const auto fail = [&](const char* kind, const std::string& name) {
-        *error = std::string("The ") + kind + " \"" + Utf8FromCodePage(name) + "\" holds a number that is not finite.";
-        return false;
-    };
-    for (const MvmBone& bone : Bones) {
-        if (!IsFinite(bone.Position) || !IsFinite(bone.Rotation)) {
-            return fail("bone", bone.Name);
-        }
-    }
-    for (const MvmMesh& mesh : Meshes) {
-        const bool pairs = std::all_of(mesh.TexCoords.begin(), mesh.TexCoords.end(),
-                                       [](const Vec2& pair) { return std::isfinite(pair.U) && std::isfinite(pair.V); });
-        if (!pairs || !std::all_of(mesh.Vertices.begin(), mesh.Vertices.end(), IsFinite) ||
-            !std::all_of(mesh.Normals.begin(), mesh.Normals.end(), IsFinite)) {
-            return fail("mesh", mesh.Name);
-        }
-    }
-    for (const MvmInstance& instance : Instances) {
-        if (!IsFinite(instance.Position) || !IsFinite(instance.Rotation) || !std::isfinite(instance.Scale)) {
-            return fail("instance", instance.Name);
-        }
-    }
-    return true;
-}
-
 float UsableScale(float scale)
 {
     return std::isnormal(scale) && std::isfinite(1 / scale) ? scale : 1;
@@ -260,14 +232,41 @@ std::vector<ExchangePlacement> PlacementsOfMesh(const MvmMesh& mesh)
     std::vector<ExchangePlacement> placements;
     for (const MvmInstance& instance : Instances) {
         if (instance.Mesh == mesh.Name) {
-            placements.push_back(
-                {Utf8FromCodePage(instance.Name), instance.Position, instance.Rotation, UsableScale(instance.Scale)});
+            placements.push_back({ExchangeNames({instance.Name}, "Instance").front(), instance.Position,
+                                  instance.Rotation, UsableScale(instance.Scale)});
         }
     }
     if (placements.empty()) {
-        placements.push_back({Utf8FromCodePage(mesh.Name)});
+        placements.push_back({ExchangeNames({mesh.Name}, "Mesh").front()});
     }
     return placements;
+}
+
+bool AllFinite(std::string* error)
+{
+    const auto fail = [&](const char* kind, const std::string& name) {
+        *error = std::string("The ") + kind + " \"" + Utf8FromCodePage(name) + "\" holds a number that is not finite.";
+        return false;
+    };
+    for (const MvmBone& bone : Bones) {
+        if (!IsFinite(bone.Position) || !IsFinite(bone.Rotation)) {
+            return fail("bone", bone.Name);
+        }
+    }
+    for (const MvmMesh& mesh : Meshes) {
+        const bool pairs = std::all_of(mesh.TexCoords.begin(), mesh.TexCoords.end(),
+                                       [](const Vec2& pair) { return std::isfinite(pair.U) && std::isfinite(pair.V); });
+        if (!pairs || !std::all_of(mesh.Vertices.begin(), mesh.Vertices.end(), IsFinite) ||
+            !std::all_of(mesh.Normals.begin(), mesh.Normals.end(), IsFinite)) {
+            return fail("mesh", mesh.Name);
+        }
+    }
+    for (const MvmInstance& instance : Instances) {
+        if (!IsFinite(instance.Position) || !IsFinite(instance.Rotation) || !std::isfinite(instance.Scale)) {
+            return fail("instance", instance.Name);
+        }
+    }
+    return true;
 }
 
 bool ExchangeFromScene(const std::string& folder, ExchangeModel* model, std::string* error)

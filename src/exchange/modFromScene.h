@@ -9,6 +9,9 @@
 /// False, with *error set, when it cannot be one.
 bool ExchangeFromScene(const std::string& folder, ExchangeModel* model, std::string* error);
 
+/// What is not finite has no form in a file: *error tells the first of it.
+[[nodiscard]] bool AllFinite(std::string* error);
+
 /// The names that ExchangeFromScene gives the bones of the scene.
 [[nodiscard]] std::vector<std::string> BoneNamesInFiles();
 /// The same of the materials, and behind them of the names that only meshes have. `names` are all these names.

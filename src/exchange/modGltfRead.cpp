@@ -284,13 +284,49 @@ bool ReadNode(Reading* reading, int node, std::map<int, size_t>* known)
     return true;
 }
 
+/// Primitives, meshes and nodes can share what lies in the file once, but each takes memory of its own.
+bool IsTooLarge(const Reading& reading)
+{
+    constexpr size_t most = size_t{1} << 23; // vertices and indices
+    const tinygltf::Model& file = reading.File;
+    size_t all = 0;
+    const auto add = [&](int accessor) {
+        if (accessor >= 0 && static_cast<size_t>(accessor) < file.accessors.size()) {
+            all += std::min(file.accessors[static_cast<size_t>(accessor)].count, most + 1);
+        }
+    };
+    for (const int node : reading.Tree.Order) {
+        const int mesh = file.nodes[static_cast<size_t>(node)].mesh;
+        if (mesh < 0 || static_cast<size_t>(mesh) >= file.meshes.size()) {
+            continue;
+        }
+        for (const tinygltf::Primitive& primitive : file.meshes[static_cast<size_t>(mesh)].primitives) {
+            const auto places = primitive.attributes.find("POSITION");
+            add(places == primitive.attributes.end() ? -1 : places->second);
+            add(primitive.indices);
+            if (all > most) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 void ReadImages(const tinygltf::Model& file, ExchangeModel* model)
 {
+    size_t left = 0; // images that share their bytes are left empty when they come to more than the file holds
+    for (const tinygltf::Buffer& buffer : file.buffers) {
+        left += buffer.data.size();
+    }
     for (const tinygltf::Image& image : file.images) {
         ExchangeImage& picture = model->Images.emplace_back();
         picture.Name = image.name.empty() ? image.uri.substr(0, image.uri.find_last_of('.')) : image.name;
         if (image.bufferView >= 0 && static_cast<size_t>(image.bufferView) < file.bufferViews.size()) {
             const tinygltf::BufferView& view = file.bufferViews[static_cast<size_t>(image.bufferView)];
+            if (view.byteLength > left) {
+                continue;
+            }
+            left -= view.byteLength;
             const auto& bytes = file.buffers[static_cast<size_t>(view.buffer)].data;
             const auto start = bytes.begin() + static_cast<std::ptrdiff_t>(view.byteOffset);
             picture.Bytes.assign(start, start + static_cast<std::ptrdiff_t>(view.byteLength));
@@ -342,7 +378,7 @@ void TellOfLosses(const Reading& reading)
     if (reading.Loss.Vertices > 0) {
         const double mean = reading.Loss.Dropped / static_cast<double>(reading.Loss.Vertices);
         notes.push_back(Counted(static_cast<int64_t>(reading.Loss.Vertices), "vertex leans", "vertices lean") +
-                        " on several joints and goes to the largest. Dropped: " + Percent(mean) +
+                        " on several joints; the largest counts. Dropped: " + Percent(mean) +
                         " of their weight on average, " + Percent(reading.Loss.Largest) + " at most.");
     }
     const auto leave = [&](bool wanted, const char* what) {
@@ -373,6 +409,9 @@ bool ReadGltf(const std::string& bytes, const std::string& folder, ExchangeModel
     Reading reading{.File = file, .Model = model, .Error = error};
     if (!ReadNodes(file, &reading.Tree, error) || !ReadSkins(file, reading.Tree, model, &reading.Skins, error)) {
         return false;
+    }
+    if (IsTooLarge(reading)) {
+        return reading.Fail("It holds more vertices than a model can.");
     }
     ReadImages(file, model);
     ReadMaterials(file, model);

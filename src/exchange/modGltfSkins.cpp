@@ -86,6 +86,8 @@ struct JointSets {
     std::vector<std::vector<float>> Weights{};
 };
 
+constexpr int mostSets = 16; // which can share what lies in the file once
+
 bool ReadSets(const tinygltf::Model& file, const tinygltf::Primitive& primitive, size_t vertices, JointSets* sets,
               std::string* error)
 {
@@ -94,6 +96,10 @@ bool ReadSets(const tinygltf::Model& file, const tinygltf::Primitive& primitive,
         const auto weights = primitive.attributes.find("WEIGHTS_" + std::to_string(set));
         if (joints == primitive.attributes.end() || weights == primitive.attributes.end()) {
             return true;
+        }
+        if (set == mostSets) {
+            *error = "A mesh has more than " + std::to_string(mostSets) + " sets of joints.";
+            return false;
         }
         if (!ReadWholes(file, joints->second, 4, &sets->Joints.emplace_back(), error) ||
             !ReadFloats(file, weights->second, 4, &sets->Weights.emplace_back(), error)) {

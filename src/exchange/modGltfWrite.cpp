@@ -5,7 +5,9 @@
 #include <cstring>
 #include <initializer_list>
 #include <limits>
+#include <ostream>
 #include <sstream>
+#include <streambuf>
 #include <string_view>
 #include <utility>
 
@@ -347,9 +349,28 @@ void AddRecord(const std::string& record, Writer* writer)
     }
 }
 
+/// About what the buffer will hold, so that it need not grow.
+size_t BytesWanted(const ExchangeModel& model)
+{
+    constexpr size_t ofVertex = 72;
+    constexpr size_t ofTriangle = 12;
+    size_t bytes = 1 << 16;
+    for (const ExchangeImage& image : model.Images) {
+        bytes += image.Bytes.size();
+    }
+    for (const ExchangeMesh& mesh : model.Meshes) {
+        bytes += mesh.Vertices.size() * ofVertex;
+        for (const ExchangePart& part : mesh.Parts) {
+            bytes += part.Triangles.size() * ofTriangle;
+        }
+    }
+    return bytes;
+}
+
 Writer WriterOf(const ExchangeModel& model, bool inside)
 {
     Writer writer;
+    writer.Bytes.reserve(BytesWanted(model));
     writer.File.asset.version = "2.0";
     writer.File.asset.generator = std::string(ProgramTitle) + " " + VersionText;
     writer.File.scenes.emplace_back();
@@ -383,6 +404,24 @@ std::string AsUri(const std::string& name)
     return uri;
 }
 
+/// Takes what is written to a stream into a text that has its room beforehand: a large model would be held twice.
+struct StringBuffer : std::streambuf {
+    std::string Text{};
+
+    std::streamsize xsputn(const char* from, std::streamsize count) override
+    {
+        Text.append(from, static_cast<size_t>(count));
+        return count;
+    }
+    int_type overflow(int_type character) override
+    {
+        if (!traits_type::eq_int_type(character, traits_type::eof())) {
+            Text += traits_type::to_char_type(character);
+        }
+        return traits_type::not_eof(character);
+    }
+};
+
 bool IsSmallEnough(const Writer& writer, std::string* error)
 {
     if (writer.Bytes.size() >= largestFile) {
@@ -400,11 +439,13 @@ bool GlbOf(const ExchangeModel& model, std::string* glb, std::string* error)
     if (!IsSmallEnough(writer, error)) {
         return false;
     }
+    StringBuffer buffer;
+    buffer.Text.reserve(writer.Bytes.size() + model.Record.size() + (size_t{1} << 18U));
     writer.File.buffers.emplace_back();
     writer.File.buffers[0].data = std::move(writer.Bytes);
-    std::ostringstream stream;
+    std::ostream stream(&buffer);
     tinygltf::TinyGLTF().WriteGltfSceneToStream(&writer.File, stream, false, true);
-    *glb = std::move(stream).str();
+    *glb = std::move(buffer.Text);
     return true;
 }
 

@@ -105,7 +105,8 @@ bool RestoreScene(const ExchangeModel& model)
         return false;
     }
     const std::vector<int16_t> bones = BonesOfFile(model);
-    if (bones.size() != model.Bones.size() || !RestoreMeshes(model, records, bones)) {
+    std::string ignored;
+    if (bones.size() != model.Bones.size() || !RestoreMeshes(model, records, bones) || !AllFinite(&ignored)) {
         ForgetModel();
         return false;
     }
