@@ -94,3 +94,12 @@ void GroupByPart(ExchangeMesh* mesh)
     }
     mesh->Vertices = std::move(grouped);
 }
+
+void SwapSides(ExchangeMesh* mesh)
+{
+    for (ExchangePart& part : mesh->Parts) {
+        for (auto& triangle : part.Triangles) {
+            std::swap(triangle[1], triangle[2]);
+        }
+    }
+}

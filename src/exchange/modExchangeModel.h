@@ -80,3 +80,6 @@ struct ExchangeModel {
 
 /// Puts the vertices of each part together, parts and vertices in the order in which triangles first name them.
 void GroupByPart(ExchangeMesh* mesh);
+
+/// Turns each triangle over: what a mirrored mesh needs for its front to stay the front.
+void SwapSides(ExchangeMesh* mesh);

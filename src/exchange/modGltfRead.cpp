@@ -181,15 +181,8 @@ void Bake(const Matrix& matrix, ExchangeMesh* mesh)
         vertex.Place = Transformed(matrix, vertex.Place);
         vertex.Normal = inverse ? TransformedNormal(*inverse, vertex.Normal) : Vec3{};
     }
-    if (matrix[0] * (matrix[5] * matrix[10] - matrix[6] * matrix[9]) -
-            matrix[1] * (matrix[4] * matrix[10] - matrix[6] * matrix[8]) +
-            matrix[2] * (matrix[4] * matrix[9] - matrix[5] * matrix[8]) <
-        0) {
-        for (ExchangePart& part : mesh->Parts) {
-            for (auto& triangle : part.Triangles) {
-                std::swap(triangle[1], triangle[2]); // mirrored: the front stays the front
-            }
-        }
+    if (IsMirrored(matrix)) {
+        SwapSides(mesh);
     }
 }
 
@@ -240,7 +233,7 @@ void PlaceSkinned(const SkinInFile& skin, const std::string& name, ExchangeMesh*
 bool HasNegativeScale(const tinygltf::Node& node)
 {
     const std::vector<double>& scale = node.scale;
-    return scale.size() == 3 && scale[0] < 0 && scale[0] == scale[1] && scale[1] == scale[2];
+    return scale.size() == 3 && scale[0] < 0 && scale[1] < 0 && scale[2] < 0;
 }
 
 /// Reads the mesh of a node, or one more place of it. `known` has the meshes read so far that are not skinned.

@@ -115,6 +115,9 @@ ExchangeMesh InSpaceOf(const ExchangeMesh& mesh, int32_t index)
         vertex.Place = Transformed(matrix, vertex.Place);
         vertex.Normal = inverse ? TransformedNormal(*inverse, vertex.Normal) : vertex.Normal;
     }
+    if (IsMirrored(matrix) && !mesh.IsSkinned) { // what turns a node over does not turn what its joints carry
+        SwapSides(&result);
+    }
     return result;
 }
 

@@ -96,6 +96,13 @@ std::optional<Matrix> Inverse(const Matrix& m)
     return IsFinite(result) ? std::optional(result) : std::nullopt;
 }
 
+bool IsMirrored(const Matrix& m)
+{
+    return m[0] * (m[5] * m[10] - m[6] * m[9]) - m[1] * (m[4] * m[10] - m[6] * m[8]) +
+               m[2] * (m[4] * m[9] - m[5] * m[8]) <
+           0;
+}
+
 bool IsFinite(const Matrix& matrix)
 {
     return std::all_of(matrix.begin(), matrix.end(),

@@ -20,6 +20,7 @@ constexpr Matrix identityMatrix = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 
 /// None for a matrix that flattens space.
 [[nodiscard]] std::optional<Matrix> Inverse(const Matrix& matrix);
 /// True when the scene's floats can hold all of it.
+[[nodiscard]] bool IsMirrored(const Matrix& matrix);
 [[nodiscard]] bool IsFinite(const Matrix& matrix);
 /// True when places as large as `size` come out alike, within 1e-5 of what they come out as.
 [[nodiscard]] bool AreAlike(const Matrix& a, const Matrix& b, double size);

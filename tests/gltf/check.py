@@ -8,7 +8,6 @@ import json
 import os
 import re
 import shutil
-import struct
 import subprocess
 import sys
 from collections import Counter, defaultdict
@@ -16,6 +15,7 @@ from collections import Counter, defaultdict
 import numpy
 
 from edits import EDITS
+from geometry import corners, glb_json, in_scene, nearest, size_of, turn_matrix
 from models import Model, write_odd_models
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -52,23 +52,7 @@ def same_bytes(first, second, text):
     expect(os.path.exists(first) and os.path.exists(second) and filecmp.cmp(first, second, shallow=False), f"{text}: differs from a plain save")
 
 
-def glb_json(path):
-    with open(path, "rb") as file:
-        head = struct.unpack("<5I", file.read(20))
-        return json.loads(file.read(head[3]))
-
-
 # A mesh as other programs see it
-
-
-def corners(mesh):
-    """What makes vertices of glTF, of each face that can travel; the same face again has vertices of its own."""
-    seen, result = Counter(), []
-    for face in mesh.faces():
-        copy = seen[tuple(sorted(face[:3]))]
-        seen[tuple(sorted(face[:3]))] += 1
-        result.append([(face[k], face[3 + k], face[6 + k], face[9], copy) for k in range(3)])
-    return result
 
 
 def joints_of(model, mesh):
@@ -78,42 +62,6 @@ def joints_of(model, mesh):
     own, kind = model.bone_of(mesh), mesh is model.shadow
     return {index for index, (bone, _) in enumerate(model.bones) if ("$j$" in bone.lower()) == kind} | {
         own[vertex - 1] for vertex in mesh.used()}
-
-
-def turn_matrix(degrees):
-    """Degrees of a file's triple, about X, then Y, then Z of the scene, as a matrix for the file's places."""
-    a, b, c = numpy.radians([degrees[0], degrees[2], -degrees[1]])
-    x = numpy.array([[1, 0, 0], [0, numpy.cos(a), -numpy.sin(a)], [0, numpy.sin(a), numpy.cos(a)]])
-    y = numpy.array([[numpy.cos(b), 0, numpy.sin(b)], [0, 1, 0], [-numpy.sin(b), 0, numpy.cos(b)]])
-    z = numpy.array([[numpy.cos(c), -numpy.sin(c), 0], [numpy.sin(c), numpy.cos(c), 0], [0, 0, 1]])
-    axes = numpy.array([[1, 0, 0], [0, 0, 1], [0, -1, 0]])
-    return axes.T @ z @ y @ x @ axes
-
-
-def in_scene(model, mesh, placement=0):
-    scale, turn, position = model.placements(mesh)[placement]
-    return numpy.array(mesh.v, dtype=float).reshape(-1, 3) * scale @ turn_matrix(turn).T + position
-
-
-def nearest(points, queries, reach):
-    """For each query the index of the nearest point within reach, -1 for none, and how far it is."""
-    cells = defaultdict(list)
-    for index, cell in enumerate(numpy.floor(points / (2 * reach)).astype(int).tolist()):
-        cells[tuple(cell)].append(index)
-    found, apart = [], []
-    for query in queries:
-        low = numpy.floor((query - reach) / (2 * reach)).astype(int)
-        near = [index for x in (0, 1) for y in (0, 1) for z in (0, 1)
-                for index in cells.get((low[0] + x, low[1] + y, low[2] + z), ())]
-        away = [float(numpy.linalg.norm(points[index] - query)) for index in near]
-        best = min(range(len(near)), key=away.__getitem__, default=None)
-        found.append(-1 if best is None or away[best] > reach else near[best])
-        apart.append(0 if best is None else away[best])
-    return found, max(apart, default=0.0)
-
-
-def size_of(places):
-    return max(float(abs(places).max()), 1e-9) if len(places) else 1.0
 
 
 def matching_bones(model, bones):
@@ -195,6 +143,9 @@ def surface(model, mesh, points, bones):
     ids, apart = nearest(points, places, 2e-6 * size)
     own = [bones.get(bone) for bone in model.bone_of(mesh)] if model.is_skinned(mesh) else [None] * len(ids)
     corner = [(at, bone) for at, bone in zip(ids, own)]
+    scale, turn, _ = model.placements(mesh)[0]
+    turned = turn_matrix(turn) * numpy.sign(scale)
+    directions = [(turned @ normal).tolist() for normal in mesh.n]
     at = lambda items, number: items[number - 1] if 1 <= number <= len(items) else None
     faces = defaultdict(list)
     for face in mesh.faces():
@@ -202,7 +153,7 @@ def surface(model, mesh, points, bones):
         first = min(range(3), key=lambda k: [(-1 if b is None else b, a) for a, b in key[k:] + key[:k]])
         order = [(first + k) % 3 for k in range(3)]
         pairs = [at(mesh.t, face[3 + k]) or [0, 0] for k in order]
-        normals = [at(mesh.n, face[6 + k]) for k in order]
+        normals = [at(directions, face[6 + k]) for k in order]
         faces[tuple(key[k] for k in order)].append((pairs, normals, at(mesh.m, face[9])))
     return Counter(corner[v - 1] for v in mesh.used()), faces, apart / size
 
@@ -361,14 +312,15 @@ def check_edit(bwrt, files, edit, job):
     out = at(".mvm")
     if edit.refused:
         told = convert(bwrt, edit.name, job["out"], out, "--like", files.model, wants=2)
-        expect(not os.path.exists(out) and "--force" in told, f"{edit.name}: written, or told without --force: {told}")
-        told = convert(bwrt, edit.name, job["out"], out, "--like", files.model, "--force")
-    else:
-        told = convert(bwrt, edit.name, job["out"], out, "--like", files.model)
+        expect(not os.path.exists(out) and edit.refused in told, f"{edit.name}: written, or not refused: {told}")
+        if edit.refused != "--force":
+            return
+    force = ["--force"] if edit.refused else []
+    told = convert(bwrt, edit.name, job["out"], out, "--like", files.model, *force)
     if edit.check is None:
         same_bytes(out, files.plain, f"edit '{edit.name}'")
     elif os.path.exists(out):
-        for fault in edit.check(Model(files.plain), Model(out), told):
+        for fault in edit.check(Model(files.plain), Model(out), told, job["out"]):
             expect(False, f"edit '{edit.name}': {fault}; told: {told.strip()}")
         counts["checks"] += 1
 

@@ -260,6 +260,12 @@ def odd_models():
     maker.instance("Rock1", "Rock", (1, 2, 3), (30, -45, 60), 0.5)
     maker.instance("Rock2", "Rock", (-4, 2, 3), (90, 0, 0), 3)
     maker.instance("Rock2", "Rock", (-4, 2, 13), (0, 90, 10), 1.25)
+    maker.instance("Tree", "Tree", (1, 2, 3), (10, 20, 30), -1.5)
+
+    maker = start("mirrored")
+    maker.mesh(tube("Beast"))
+    maker.mesh(shadow())
+    maker.instance("Beast", "Beast", (1, 2, 3), scale=-0.75)
 
     maker = start("dollar", 2, 2)  # its one skin is a shadow by its name, and the skin as the only mesh
     maker.mesh(tube("$", joints=range(1, 3)))

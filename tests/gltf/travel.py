@@ -234,6 +234,10 @@ def place(name, at):
     the(name).location = at
 
 
+def mirror(name):
+    the(name).scale[0] *= -1
+
+
 def merge(name, distance):
     edit_mode(the(name))
     bpy.ops.mesh.remove_doubles(threshold=distance)
@@ -267,7 +271,7 @@ def unskin(name):
 
 
 EDITS = (move, fatten, delete, halve, extrude, join, duplicate, rename_bones, rename_mesh, paint, pose, turn, separate,
-         unwrap, set_material, flip, flat, scale, place, merge, quads, drop_layers, remove, unskin)
+         unwrap, set_material, flip, flat, scale, place, mirror, merge, quads, drop_layers, remove, unskin)
 
 
 def travel(job):
