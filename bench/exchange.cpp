@@ -44,7 +44,8 @@ void Write(const std::string& path, const std::string& bytes)
 {
     std::string error;
     SaveRest rest;
-    (void)SaveWhole(path, {}, [&](const PartWriter& write) { write(bytes); }, &rest, &error);
+    (void)SaveWhole(
+        path, {}, [&](const PartWriter& write) { write(bytes); }, &rest, &error);
 }
 
 void LoadAndSave(benchmark::State& state)
@@ -143,8 +144,6 @@ void RegisterExchangeCases()
                          .Reference = "load and save",
                          .Target = 5,
                          .AtMost = true});
-    BenchRows.push_back({.Case = "writing glTF, against Assimp",
-                         .Ours = "write glb",
-                         .Reference = "write glb, Assimp",
-                         .Target = 1});
+    BenchRows.push_back(
+        {.Case = "writing glTF, against Assimp", .Ours = "write glb", .Reference = "write glb, Assimp", .Target = 1});
 }
