@@ -1,4 +1,6 @@
-"""Takes models to glTF, through Khronos' validator, Blender and Assimp, and back: python3 check.py BWRT NODE_MODULES FOLDER
+"""Takes models to glTF, through Khronos' validator, Blender and Assimp, and back.
+
+python3 check.py BWRT NODE_MODULES FOLDER
 
 What must come back is worked out here from the models' text.
 """
@@ -49,7 +51,8 @@ class Files:
 
 
 def same_bytes(first, second, text):
-    expect(os.path.exists(first) and os.path.exists(second) and filecmp.cmp(first, second, shallow=False), f"{text}: differs from a plain save")
+    there = os.path.exists(first) and os.path.exists(second)
+    expect(there and filecmp.cmp(first, second, shallow=False), f"{text}: differs from a plain save")
 
 
 # A mesh as other programs see it
@@ -90,7 +93,7 @@ def check_seen(files, model, seen):
     for mesh in travelling:
         joints |= joints_of(model, mesh)
     expect(set(bones.values()) == joints - {None}, f"{name}: {len(bones)} bones in Blender for {len(joints)}")
-    expect(len(seen["bones"]) == len(joints), f"{name}: {len(seen['bones'])} bones, with the one for none {len(joints)}")
+    expect(len(seen["bones"]) == len(joints), f"{name}: {len(seen['bones'])} bones and none for {len(joints)}")
     for mesh, inside in zip(travelling, file["meshes"]):
         objects = [one for one in seen["meshes"] if one["mesh"] == inside["name"]]
         placements = model.placements(mesh)
@@ -195,7 +198,7 @@ def check_loose(text, model, back):
 
 
 def check_corners(label, faces, others):
-    pair_size = max([1.0] + [abs(u) for entry in faces.values() for pairs, _, _ in entry for pair in pairs for u in pair])
+    pair_size = max([1.0] + [abs(u) for entry in faces.values() for pairs, _, _ in entry for uv in pairs for u in uv])
     materials = defaultdict(set)
     pair_apart = normal_apart = 0.0
     for key, entry in faces.items():
@@ -209,7 +212,8 @@ def check_corners(label, faces, others):
                         apart = 0.0
                         for k in range(3):
                             mine, its = unit(normals[k]), unit(other[1][(k + shift) % 3])
-                            apart = max(apart, numpy.linalg.norm(mine - its) if mine is not None and its is not None else 0)
+                            if mine is not None and its is not None:
+                                apart = max(apart, numpy.linalg.norm(mine - its))
                         pair = numpy.abs(numpy.array(pairs) - (other[0][shift:] + other[0][:shift])).max()
                         turned.append((pair / pair_size > 1e-6, other[2] != material, apart, pair / pair_size))
                 return min(turned)
@@ -282,7 +286,7 @@ def end_blender(started):
 
 
 def check_assimp(files, model):
-    """Assimp's counts of vertices, bones and faces. It makes a mesh for each material, each with all bones of the skin."""
+    """Assimp's counts of vertices, bones and faces. It makes a mesh of each material, with all bones of the skin."""
     code, told = run("assimp", "info", files.glb, "--raw")
     expect(code == 0, f"{files.name}: Assimp cannot read it")
     wanted = Counter()

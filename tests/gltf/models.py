@@ -128,7 +128,8 @@ class Maker:
 
     def write(self, path):
         with open(path, "wb") as file:
-            file.write(("fileinfo\r\n{\r\n formatversion = 1.0.2\r\n}\r\n\r\n" + "".join(self.blocks)).encode(CODE_PAGE))
+            head = "fileinfo\r\n{\r\n formatversion = 1.0.2\r\n}\r\n\r\n"
+            file.write((head + "".join(self.blocks)).encode(CODE_PAGE))
 
 
 def tube(name, rings=9, sides=8, skin=True, joints=range(1, 5), at=(0, 0, 0), size=1.0, materials=("Hide", "Mane")):
@@ -179,7 +180,7 @@ def write_bmp(path, bits, size=64):
     offset = 54 + len(palette)
     with open(path, "wb") as file:
         file.write(struct.pack("<2sIHHI", b"BM", offset + len(rows), 0, 0, offset))
-        file.write(struct.pack("<IiiHHIIiiII", 40, size, size, 1, bits, 0, len(rows), 2835, 2835, 256 if bits == 8 else 0, 0))
+        file.write(struct.pack("<IiiHHIIiiII", 40, size, size, 1, bits, 0, len(rows), 2835, 2835, len(palette) // 4, 0))
         file.write(palette + rows)
 
 

@@ -65,7 +65,8 @@ def look(job):
             before = places(one)
             pose = bones.pose.bones[name]
             reach = max(1.0, float(abs(before).max()))
-            pose.matrix = Matrix.Translation(bones.matrix_world.inverted().to_3x3() @ Vector((0, 0, reach))) @ pose.matrix
+            shift = bones.matrix_world.inverted().to_3x3() @ Vector((0, 0, reach))
+            pose.matrix = Matrix.Translation(shift) @ pose.matrix
             bpy.context.view_layer.update()
             moved = places(one) - before
             own["moved_by"] = [float(value) / reach for value in numpy.linalg.norm(moved, axis=1)]
