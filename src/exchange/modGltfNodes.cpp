@@ -78,8 +78,9 @@ bool ReadNodes(const tinygltf::Model& file, NodeTree* tree, std::string* error)
             return false;
         }
     }
-    for (size_t next = 0; next < tree->Order.size(); ++next) {
-        const int node = tree->Order[next];
+    size_t next = 0;
+    while (next < tree->Order.size()) { // it grows on the way
+        const int node = tree->Order[next++];
         for (const int child : file.nodes[static_cast<size_t>(node)].children) {
             if (!visit(child, node)) {
                 return false;

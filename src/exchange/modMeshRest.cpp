@@ -4,7 +4,7 @@
 #include <array>
 #include <bit>
 #include <cmath>
-#include <cstring>
+#include <cstdint>
 #include <utility>
 
 #include "modNumbering.h"
@@ -132,7 +132,8 @@ struct RestReader {
 template <typename T>
 bool SameBits(const T& a, const T& b)
 {
-    return std::memcmp(&a, &b, sizeof(T)) == 0;
+    using Words = std::array<uint32_t, sizeof(T) / sizeof(uint32_t)>;
+    return std::bit_cast<Words>(a) == std::bit_cast<Words>(b);
 }
 
 /// The entries that differ from what is told, and the count of all.

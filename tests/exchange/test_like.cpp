@@ -342,8 +342,8 @@ TEST_F(AModelsLikeness, IsRefusedWithTheModelAsItWas)
               "It has no mesh of the model.");
     EXPECT_EQ(Merged([](ExchangeModel* model) {
                   ExchangeMesh& mesh = model->Meshes[2]; // the ones before it fit
-                  for (float i = 0; i < 32766; ++i) {
-                      mesh.Vertices.push_back({.Place = {i, 2, 3}, .TexCoord = {0, 1}});
+                  for (int i = 0; i < 32766; ++i) {
+                      mesh.Vertices.push_back({.Place = {static_cast<float>(i), 2, 3}, .TexCoord = {0, 1}});
                       mesh.Parts[0].Triangles.push_back({0, 1, static_cast<uint32_t>(mesh.Vertices.size() - 1)});
                   }
               }),

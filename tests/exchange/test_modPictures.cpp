@@ -11,9 +11,10 @@ namespace {
 /// A picture whose bytes all differ from their neighbours'; its alpha too, unless it is opaque.
 std::string PngBytes(int32_t width, int32_t height, int channels)
 {
-    std::vector<uint8_t> pixels;
-    for (int i = 0; i < width * height * channels; ++i) {
-        pixels.push_back(static_cast<uint8_t>(37 * i + 11));
+    std::vector<uint8_t> pixels(static_cast<size_t>(width) * static_cast<size_t>(height) *
+                                static_cast<size_t>(channels));
+    for (size_t i = 0; i < pixels.size(); ++i) {
+        pixels[i] = static_cast<uint8_t>(37 * i + 11);
     }
     std::string bytes;
     EXPECT_TRUE(EncodePng(pixels, width, height, channels, &bytes));
@@ -113,16 +114,16 @@ TEST_F(APicture, IsScaledToSidesThatModelsCanHave)
     }
     // A picture of one colour keeps it.
     std::string bytes;
-    ASSERT_TRUE(EncodePng(std::vector<uint8_t>(3 * 12 * 12, 99), 12, 12, 3, &bytes));
+    ASSERT_TRUE(EncodePng(std::vector<uint8_t>(432, 99), 12, 12, 3, &bytes));
     ASSERT_TRUE(Make({"plain", bytes}));
-    EXPECT_EQ(Files.back().Bytes.substr(54), std::string(3 * 8 * 8, 'c'));
+    EXPECT_EQ(Files.back().Bytes.substr(54), std::string(192, 'c'));
 }
 
 TEST_F(APicture, HasTheColorOfItsMaterialOverIt)
 {
     ExchangeMaterial material{.Name = "Bark", .Image = 0, .HasOpacity = false, .Color = {1, 0.5F, 0}};
     std::string bytes;
-    ASSERT_TRUE(EncodePng(std::vector<uint8_t>(4 * 4 * 2, 200), 4, 2, 4, &bytes));
+    ASSERT_TRUE(EncodePng(std::vector<uint8_t>(32, 200), 4, 2, 4, &bytes));
     ASSERT_TRUE(Make({"a", bytes}, material));
     EXPECT_EQ(Files.at(0).Bytes.substr(54, 6), "\0\x64\xC8\0\x64\xC8"s);
     EXPECT_EQ(Material.OpacityMap, ""); // the alpha of a picture means nothing to an opaque material
