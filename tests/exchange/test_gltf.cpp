@@ -32,7 +32,7 @@ protected:
         for (uint8_t& pixel : pixels) {
             pixel = shade++;
         }
-        EXPECT_TRUE(EncodePng(pixels, 4, 4, 3, &out.Images.push_back({"Sk\xC3\xA4le", ""}).Bytes));
+        EXPECT_TRUE(EncodePng(pixels, 4, 4, 3, &out.Images.emplace_back(ExchangeImage{"Sk\xC3\xA4le", ""}).Bytes));
         std::string text;
         if (inFiles) {
             std::vector<NamedFile> files;
