@@ -5,7 +5,6 @@
 
 #include "app/modMath.h"
 #include "modNumbering.h"
-#include "weights/modPointTree.h"
 
 namespace {
 
@@ -23,11 +22,7 @@ OldMesh OldMeshOf(const LikePair& pair)
     constexpr double part = 1e-5;
     OldMesh old{.Pair = pair};
     old.Near = part * pair.Extent;
-    std::vector<TreeNode> nodes;
-    for (int32_t vertex = 1; vertex <= pair.Model.VertexCount(); ++vertex) {
-        nodes.push_back({PlaceOf(pair.Model.Vertices[vertex]), vertex, 0});
-    }
-    old.Tree = BuildPointTree(std::move(nodes));
+    old.Tree = TreeOfVertices(pair.Model);
     old.Uses.resize(pair.Model.Vertices.Items.size() + 1);
     old.IsUsed.resize(pair.Model.Faces.Items.size() + 1);
     for (int32_t face = 1; face <= pair.Model.FaceCount(); ++face) {
@@ -125,6 +120,15 @@ int32_t NearestOf(const OldMesh& old, const ExchangeVertex& corner, const std::v
 }
 
 } // namespace
+
+PointTree TreeOfVertices(const MvmMesh& mesh)
+{
+    std::vector<TreeNode> nodes;
+    for (int32_t vertex = 1; vertex <= mesh.VertexCount(); ++vertex) {
+        nodes.push_back({PlaceOf(mesh.Vertices[vertex]), vertex, 0});
+    }
+    return BuildPointTree(std::move(nodes));
+}
 
 double ExtentOf(const MvmMesh& mesh)
 {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "modJoin.h"
+#include "weights/modPointTree.h"
 
 /// A mesh of a file beside the mesh of the model that it was made from, both in the space of the model's.
 struct LikePair {
@@ -16,6 +17,8 @@ struct LikePair {
     double Extent = 0; ///< the largest coordinate, also of the scene's origin: a place far from it is known less well
 };
 
+/// The vertices by place, with their numbers.
+[[nodiscard]] PointTree TreeOfVertices(const MvmMesh& mesh);
 /// The largest coordinate of the model's mesh.
 [[nodiscard]] double ExtentOf(const MvmMesh& mesh);
 /// True for texture coordinates that are the same but for what other programs lose.

@@ -1,104 +1,17 @@
 #include "modLikeMesh.h"
 
 #include <algorithm>
-#include <bit>
-#include <cmath>
 #include <limits>
 #include <map>
 #include <optional>
-#include <unordered_map>
 #include <utility>
 
 #include "app/modMath.h"
+#include "modLikeEntries.h"
+#include "modMeshOut.h"
 #include "modNumbering.h"
-#include "weights/modPointTree.h"
 
 namespace {
-
-/// What becomes of the entries of one array of the model's mesh: kept entries stay in order, new ones come behind.
-template <typename T>
-struct Entries {
-    const Array1<T>& Old;
-    std::vector<char> Keep{}; ///< by number
-    std::vector<T> Values{};  ///< by number: what a kept one holds now
-    std::vector<T> Added{};
-    std::vector<int32_t> NewNumbers{}; ///< by number, 0 for one that goes; made by Settle
-
-    explicit Entries(const Array1<T>& old) : Old(old), Keep(old.Items.size() + 1), Values(old.Items.size() + 1)
-    {
-        std::copy(old.begin(), old.end(), Values.begin() + 1);
-    }
-    void Settle()
-    {
-        NewNumbers.assign(Keep.size(), 0);
-        int32_t next = 0;
-        for (size_t i = 1; i < Keep.size(); ++i) {
-            NewNumbers[i] = Keep[i] != 0 ? ++next : 0;
-        }
-    }
-    [[nodiscard]] size_t KeptCount() const
-    {
-        return static_cast<size_t>(std::count_if(Keep.begin(), Keep.end(), [](char keep) { return keep != 0; }));
-    }
-    [[nodiscard]] size_t Count() const { return KeptCount() + Added.size(); }
-    /// A reference as faces hold it: above 0 an old number, below 0 a new entry, from -1 on.
-    [[nodiscard]] int32_t Final(int32_t reference) const
-    {
-        return reference < 0 ? static_cast<int32_t>(KeptCount()) - reference
-                             : NewNumbers[static_cast<size_t>(reference)];
-    }
-    [[nodiscard]] std::vector<T> All() const
-    {
-        std::vector<T> all;
-        for (size_t i = 1; i < Keep.size(); ++i) {
-            if (Keep[i] != 0) {
-                all.push_back(Values[i]);
-            }
-        }
-        all.insert(all.end(), Added.begin(), Added.end());
-        return all;
-    }
-};
-
-using Bits = std::array<uint32_t, 3>;
-
-Bits BitsOf(const Vec3& value)
-{
-    return {std::bit_cast<uint32_t>(value.X + 0.0F), std::bit_cast<uint32_t>(value.Y + 0.0F),
-            std::bit_cast<uint32_t>(value.Z + 0.0F)};
-}
-
-Bits BitsOf(const Vec2& value)
-{
-    return {std::bit_cast<uint32_t>(value.U + 0.0F), std::bit_cast<uint32_t>(value.V + 0.0F), 0};
-}
-
-/// Claims of corners on texture coordinates or normals: a number of the model's mesh and the value in the file.
-template <typename T>
-struct Claims {
-    Entries<T> Own;
-    std::map<std::pair<int32_t, Bits>, int32_t> Changed{}; ///< reference by number and value
-    std::map<Bits, int32_t> New{};                         ///< reference by value
-
-    explicit Claims(const Array1<T>& old) : Own(old) {}
-
-    int32_t Add(const T& value)
-    {
-        const auto [found, isNew] = New.emplace(BitsOf(value), 0);
-        if (isNew) {
-            Own.Added.push_back(value);
-            found->second = -static_cast<int32_t>(Own.Added.size());
-        }
-        return found->second;
-    }
-};
-
-/// The faces of the model that a file can hold.
-bool Travels(const MvmMesh& mesh, const MvmFace& face)
-{
-    return FaceCornersValid(mesh, face) && face.Vertex[0] != face.Vertex[1] && face.Vertex[1] != face.Vertex[2] &&
-           face.Vertex[2] != face.Vertex[0];
-}
 
 std::array<int32_t, 3> Sorted(std::array<int32_t, 3> numbers)
 {
@@ -115,14 +28,6 @@ bool AreSameNormals(const Vec3& old, const Vec3& value)
     return VecLength(unit) == 0 || VecDistance(unit, VecNormalize(value)) <= near;
 }
 
-// A number of the model that names no entry travels as it is.
-constexpr int32_t nameless = 1 << 20;
-
-int32_t ReferenceTo(int32_t number, int32_t count)
-{
-    return number >= 1 && number <= count ? number : nameless + number;
-}
-
 struct Merge {
     const LikePair& Pair;
     const std::vector<std::string>& Materials;
@@ -131,9 +36,8 @@ struct Merge {
     Entries<Vec3> Vertices;
     Claims<Vec2> TexCoords;
     Claims<Vec3> Normals;
-    std::vector<int32_t> References{};  ///< of each joined vertex
-    std::vector<int16_t> VertexBones{}; ///< of all vertices as they will be numbered; made last
-    std::vector<int32_t> Claimants{};   ///< of each vertex of the model: the joined vertex that is it now, or -1
+    std::vector<int32_t> References{}; ///< of each joined vertex
+    std::vector<int32_t> Claimants{};  ///< of each vertex of the model: the joined vertex that is it now, or -1
     std::vector<std::vector<std::array<int32_t, 2>>> Uses{}; ///< of each vertex of the model: its faces and corners
     MvmMesh* Result;
 
@@ -164,7 +68,7 @@ void KeepUnused(Merge* merge)
     };
     for (int32_t index = 1; index <= model.FaceCount(); ++index) {
         const MvmFace& face = model.Faces[index];
-        if (Travels(model, face)) {
+        if (CanTravel(model, face)) {
             for (size_t k = 0; k < 3; ++k) {
                 release(face.Vertex[k], &merge->Vertices);
                 release(face.TexCoord[k], &merge->TexCoords.Own);
@@ -249,11 +153,7 @@ void GiveNewBones(const Merge& merge, std::vector<int16_t>* bones)
         int16_t bone = pair.HasBones && own >= 0 ? pair.Bones[static_cast<size_t>(own)] : int16_t{0};
         if (bone == 0) {
             if (!tree) {
-                std::vector<TreeNode> nodes;
-                for (int32_t vertex = 1; vertex <= pair.Model.VertexCount(); ++vertex) {
-                    nodes.push_back({PlaceOf(pair.Model.Vertices[vertex]), vertex, 0});
-                }
-                tree = BuildPointTree(std::move(nodes));
+                tree = TreeOfVertices(pair.Model);
             }
             const int32_t nearest =
                 NearestPoint(*tree, PlaceOf(merge.Joined.Vertices[i]), std::numeric_limits<float>::max());
@@ -293,35 +193,6 @@ std::array<int32_t, 2> OldNumbers(const Merge& merge, const ExchangeVertex& corn
     return best;
 }
 
-/// A corner's claim on the entry `number`. One that still has its value keeps it; the first other value takes its place
-/// when no corner has the old one, which the second round settles.
-template <typename T, typename Same>
-int32_t Claim(Claims<T>* claims, int32_t number, const T& value, bool isSecondRound, const Same& same)
-{
-    Entries<T>& own = claims->Own;
-    if (!own.Old.Has(number)) {
-        const bool isNameless = number != 0 && same(T{}, value);
-        return isNameless ? number : isSecondRound ? claims->Add(value) : 0;
-    }
-    const auto index = static_cast<size_t>(number);
-    if (same(own.Old[number], value)) {
-        own.Keep[index] = 1;
-        return number;
-    }
-    if (!isSecondRound) {
-        return 0;
-    }
-    const auto [found, isNew] = claims->Changed.emplace(std::pair(number, BitsOf(value)), 0);
-    if (isNew && own.Keep[index] == 0) {
-        own.Keep[index] = 1;
-        own.Values[index] = value;
-        found->second = number;
-    } else if (isNew) {
-        found->second = claims->Add(value);
-    }
-    return found->second;
-}
-
 /// A face with references in place of numbers.
 struct MergedFace {
     std::array<int32_t, 3> Vertex{}, TexCoord{}, Normal{};
@@ -358,7 +229,7 @@ std::vector<int32_t> MatchFaces(const Merge& merge)
     std::map<std::array<int32_t, 3>, std::vector<int32_t>> byVertices;
     for (int32_t index = model.FaceCount(); index >= 1; --index) {
         const MvmFace& face = model.Faces[index];
-        if (Travels(model, face)) {
+        if (CanTravel(model, face)) {
             byVertices[Sorted({face.Vertex[0], face.Vertex[1], face.Vertex[2]})].push_back(index); // last one first
         }
     }
@@ -467,7 +338,7 @@ std::vector<MergedFace> MergeFaces(Merge* merge)
         const MvmFace& face = model.Faces[index];
         if (old[static_cast<size_t>(index)]) {
             all.push_back(*old[static_cast<size_t>(index)]);
-        } else if (!Travels(model, face)) {
+        } else if (!CanTravel(model, face)) {
             const bool stays = std::all_of(face.Vertex.begin(), face.Vertex.end(), [&](int16_t vertex) {
                 return !model.Vertices.Has(vertex) || merge->Vertices.Keep[static_cast<size_t>(vertex)] != 0;
             });
@@ -493,18 +364,6 @@ std::vector<MergedFace> MergeFaces(Merge* merge)
     merge->Counts->GoneFaces = model.Faces.Items.size() - all.size();
     all.insert(all.end(), added.begin(), added.end());
     return all;
-}
-
-/// A reference as the number that it becomes. One that named no entry stays, unless it would name one now.
-template <typename T>
-int16_t NumberOf(const Entries<T>& entries, int32_t reference)
-{
-    constexpr int32_t namelessFrom = nameless / 2;
-    if (reference < namelessFrom) {
-        return static_cast<int16_t>(entries.Final(reference));
-    }
-    const int32_t number = reference - nameless;
-    return number > 0 && static_cast<size_t>(number) <= entries.Count() ? int16_t{0} : static_cast<int16_t>(number);
 }
 
 } // namespace

@@ -14,6 +14,12 @@ double Row(const Matrix& m, size_t row, double x, double y, double z)
     return m[row] * x + m[4 + row] * y + m[8 + row] * z;
 }
 
+double Determinant(const Matrix& m)
+{
+    return m[0] * (m[5] * m[10] - m[6] * m[9]) - m[1] * (m[4] * m[10] - m[6] * m[8]) +
+           m[2] * (m[4] * m[9] - m[5] * m[8]);
+}
+
 } // namespace
 
 Matrix Multiply(const Matrix& a, const Matrix& b)
@@ -96,11 +102,9 @@ std::optional<Matrix> Inverse(const Matrix& m)
     return IsFinite(result) ? std::optional(result) : std::nullopt;
 }
 
-bool IsMirrored(const Matrix& m)
+bool IsMirrored(const Matrix& matrix)
 {
-    return m[0] * (m[5] * m[10] - m[6] * m[9]) - m[1] * (m[4] * m[10] - m[6] * m[8]) +
-               m[2] * (m[4] * m[9] - m[5] * m[8]) <
-           0;
+    return Determinant(matrix) < 0;
 }
 
 bool IsFinite(const Matrix& matrix)
@@ -146,8 +150,7 @@ std::optional<Placing> PlacingOf(const Matrix& matrix)
 {
     constexpr double even = 1e-5;
     Matrix m = matrix;
-    const double handed =
-        m[0] * (m[5] * m[10] - m[6] * m[9]) - m[1] * (m[4] * m[10] - m[6] * m[8]) + m[2] * (m[4] * m[9] - m[5] * m[8]);
+    const double handed = Determinant(m);
     for (size_t i = 0; handed < 0 && i < 12; ++i) {
         m[i] = -m[i];
     }

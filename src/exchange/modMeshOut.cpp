@@ -32,12 +32,6 @@ struct CornerHash {
     }
 };
 
-bool CanTravel(const MvmMesh& mesh, const MvmFace& face)
-{
-    return FaceCornersValid(mesh, face) && face.Vertex[0] != face.Vertex[1] && face.Vertex[1] != face.Vertex[2] &&
-           face.Vertex[2] != face.Vertex[0];
-}
-
 uint64_t VerticesOf(const MvmFace& face)
 {
     std::array<int16_t, 3> sorted = face.Vertex;
@@ -83,6 +77,12 @@ ExchangeVertex CornerOf(const MvmMesh& mesh, const MvmFace& face, size_t corner,
 }
 
 } // namespace
+
+bool CanTravel(const MvmMesh& mesh, const MvmFace& face)
+{
+    return FaceCornersValid(mesh, face) && face.Vertex[0] != face.Vertex[1] && face.Vertex[1] != face.Vertex[2] &&
+           face.Vertex[2] != face.Vertex[0];
+}
 
 void MeshToExchange(const MvmMesh& mesh, uint32_t salt, bool isSkinned, ExchangeMesh* result,
                     std::vector<int16_t>* materials, std::vector<int32_t>* left)

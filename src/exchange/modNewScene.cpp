@@ -109,8 +109,8 @@ std::optional<ExchangeMesh> JoinSkinned(std::vector<const ExchangeMesh*> meshes,
 }
 
 /// Adds a mesh to the scene; its role and instances are the caller's.
-bool AddMesh(const ExchangeModel& model, const ExchangeMesh& mesh, const std::string& name,
-             const std::vector<int16_t>& bones, std::vector<std::string>* notes, std::string* error)
+bool AddMesh(const ExchangeMesh& mesh, const std::string& name, const std::vector<int16_t>& bones,
+             std::vector<std::string>* notes, std::string* error)
 {
     const JoinedMesh joined = JoinCorners(mesh, NumbersInFile(mesh));
     *error = OutOfReach(mesh.Name, joined.Vertices);
@@ -161,7 +161,6 @@ bool AddMesh(const ExchangeModel& model, const ExchangeMesh& mesh, const std::st
         notes->push_back(std::to_string(joined.Flat) + " triangles of \"" + mesh.Name +
                          "\" have two corners in one place and are left out.");
     }
-    (void)model;
     return true;
 }
 
@@ -234,7 +233,7 @@ bool SceneFromExchange(const ExchangeModel& model, const NewSceneOptions& option
             notes->push_back("The mesh \"" + mesh.Name + "\" is called \"" + Utf8FromCodePage(name) + "\" now.");
         }
         AddInstances(mesh, name, &instanceNames);
-        return AddMesh(model, mesh, name, bones, notes, error);
+        return AddMesh(mesh, name, bones, notes, error);
     };
     for (const bool isShadow : {false, true}) {
         std::optional<ExchangeMesh> joined =
