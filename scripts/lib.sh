@@ -58,7 +58,7 @@ in_wine() {
         wineboot -i >/dev/null 2>&1
         wineserver -w
     fi
-    wine "$@"
+    timeout -k 10 600 wine "$@" # a message box of a program there waits for ever
 }
 
 # Starts a virtual screen with a small window manager, sets DISPLAY, and ends both when the script ends:
