@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
+#include <QOpenGLFunctions>
 #include <QScreen>
 
 #include "app/modFrontEnd.h"
@@ -35,8 +36,13 @@ bool CanHaveView()
     if (!surface.isValid() || !context.makeCurrent(&surface)) {
         return false;
     }
+    // The toolkit's view paints into a framebuffer object and its windows are composed by shaders. Systems without a
+    // driver of their own may give OpenGL 1.1, where it would call functions that are not there.
+    const QOpenGLFunctions functions(&context);
+    const bool enough = functions.hasOpenGLFeature(QOpenGLFunctions::Framebuffers) &&
+                        functions.hasOpenGLFeature(QOpenGLFunctions::Shaders);
     context.doneCurrent();
-    return true;
+    return enough;
 }
 
 GLView::GLView(QWidget* parent) : QOpenGLWidget(parent)
