@@ -67,6 +67,13 @@ TEST_F(Samples, MirroringCompletesTheTutorialsHalf)
     Load(whole);
     const Array1<MvmMesh> full = Meshes;
     Load("samples/tutorial/vorrel-half.mvm");
+    const std::string manual = Content(SOURCE_FOLDER "/assets/readme/readme.html");
+    const std::vector<int16_t>& bones = Meshes[SkinMesh].VertexBones.Items;
+    for (const auto& [bone, before, after] :
+         {std::tuple{0, "no bone yet: ", ".</p>"}, {6, "\n", " vertices belong to bone 6."}}) {
+        const std::string told = before + std::to_string(std::count(bones.begin(), bones.end(), bone)) + after;
+        EXPECT_THAT(manual, testing::HasSubstr(told)) << "what the tutorial says to expect";
+    }
     for (const int16_t target : {int16_t{0}, int16_t{1}}) {
         EditTarget = target;
         const MvmMesh& mesh = Meshes[TargetMesh()];

@@ -126,10 +126,16 @@ TEST(WindowBuild, TheToolsFollowTheColoursOfTheDesktop)
     const QColor before = ground();
     QPalette dark = QApplication::palette();
     dark.setColor(QPalette::Button, QColor(40, 40, 40));
+    dark.setColor(QPalette::Active, QPalette::Highlight, QColor(1, 2, 3));
+    dark.setColor(QPalette::Inactive, QPalette::Highlight, QColor(240, 240, 240));
     QApplication::setPalette(dark);
     QCoreApplication::processEvents();
     EXPECT_EQ(ground(), QColor(224, 224, 224)) << "the lines are dark";
     EXPECT_NE(shade(0), shade(1)) << "the one that is down stands out";
+    for (const QListWidget* list : {window->lstSkinBones, window->lstShadowBones}) {
+        EXPECT_EQ(list->palette().color(QPalette::Inactive, QPalette::Highlight), QColor(1, 2, 3))
+            << "the active bone shows while the view has the keyboard";
+    }
     window.Do("arcrot");
     EXPECT_EQ(shade(0), shade(2));
     QApplication::setPalette({});

@@ -226,6 +226,13 @@ void frmMain::FollowTheme()
     for (QPushButton* button : fraEditing->findChildren<QPushButton*>()) {
         ShadeDown(button);
     }
+    // Some desktops pale the chosen row of a list without the keyboard; here it is the bone that a box assigns to.
+    QPalette plain;
+    for (const QPalette::ColorRole role : {QPalette::Highlight, QPalette::HighlightedText}) {
+        plain.setColor(QPalette::Inactive, role, palette().color(QPalette::Active, role));
+    }
+    lstSkinBones->setPalette(plain);
+    lstShadowBones->setPalette(plain);
 }
 
 void frmMain::BuildStatus()

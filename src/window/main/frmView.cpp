@@ -36,11 +36,11 @@ bool CanHaveView()
     if (!surface.isValid() || !context.makeCurrent(&surface)) {
         return false;
     }
-    // The toolkit's view paints into a framebuffer object and its windows are composed by shaders. Systems without a
-    // driver of their own may give OpenGL 1.1, where it would call functions that are not there.
+    // The toolkit's view paints into a framebuffer object and its windows are composed by the shaders of OpenGL 2.
+    // Systems without a driver of their own may give OpenGL 1.1, where it would call functions that are not there.
     const QOpenGLFunctions functions(&context);
-    const bool enough = functions.hasOpenGLFeature(QOpenGLFunctions::Framebuffers) &&
-                        functions.hasOpenGLFeature(QOpenGLFunctions::Shaders);
+    const bool enough =
+        context.format().majorVersion() >= 2 && functions.hasOpenGLFeature(QOpenGLFunctions::Framebuffers);
     context.doneCurrent();
     return enough;
 }
