@@ -8,6 +8,7 @@
 
 #include "modCodePage.h"
 #include "modExchangeNames.h"
+#include "modFromScene.h"
 #include "modJoin.h"
 #include "modMatrix.h"
 #include "modNewBones.h"
@@ -188,12 +189,27 @@ std::string RoleName(const std::string& name, bool isShadow)
     return result;
 }
 
+/// The maps that the restored materials name, for a folder that does not hold them.
+void AddRestoredMaps(const ExchangeModel& model, const std::string& folder, std::vector<MapFile>* files)
+{
+    std::vector<std::string> own;
+    const std::vector<std::string> names = MaterialNamesInFiles(&own);
+    for (const ExchangeMaterial& material : model.Materials) {
+        const auto at = static_cast<size_t>(std::find(names.begin(), names.end(), material.Name) - names.begin());
+        if (at < Materials.Items.size() && material.Image >= 0 &&
+            static_cast<size_t>(material.Image) < model.Images.size()) {
+            AddNamedMaps(model.Images[static_cast<size_t>(material.Image)], Materials.Items[at], folder, files);
+        }
+    }
+}
+
 } // namespace
 
 bool SceneFromExchange(const ExchangeModel& model, const NewSceneOptions& options, std::vector<MapFile>* files,
                        std::vector<std::string>* notes, std::string* error)
 {
     if (options.Skin.empty() && RestoreScene(model)) {
+        AddRestoredMaps(model, options.Folder, files);
         return true;
     }
     if (!model.Record.empty()) {

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "app/modFrontEnd.h"
+#include "app/modMisc.h"
 #include "modCodePage.h"
 #include "model/modBitmap.h"
 #include "model/modStrings.h"
@@ -213,6 +214,22 @@ bool AddMap(const std::string& stem, const std::string& ending, std::string byte
     }
 }
 
+/// Where a map that a material names can be written: the path of a bitmap in the folder. Empty when it is there or will
+/// be, and when it cannot be made.
+std::string MissingMap(const std::string& map, const std::string& folder, const std::vector<MapFile>& files)
+{
+    const std::string given = Utf8FromCodePage(map);
+    const std::string name = given.substr(given.find_last_of("/\\") + 1);
+    if (!EqualsAnyCase(ExtensionOf(name), "bmp") || (name != given && FileExists(given)) ||
+        StemOf(name) != CodePageFromUtf8(name.substr(0, name.rfind('.')))) {
+        return {};
+    }
+    FolderNames names;
+    std::string there;
+    std::string error;
+    return FindInTheWay(folder, name, files, &names, &there, &error) && there.empty() ? folder + name : std::string();
+}
+
 } // namespace
 
 bool PngOfMaterial(const MvmMaterial& material, const std::string& folder, FolderNames* names, ExchangeImage* image,
@@ -274,6 +291,25 @@ bool MakeMaps(const ExchangeImage& image, const ExchangeMaterial& material, cons
         transparent = transparent || picture.Pixels[i] < 255;
     }
     return !transparent || AddMap(stem, "_alpha.bmp", BmpOf(picture, {3}), folder, &result->OpacityMap, files, error);
+}
+
+void AddNamedMaps(const ExchangeImage& image, const MvmMaterial& material, const std::string& folder,
+                  std::vector<MapFile>* files)
+{
+    const std::string color = MissingMap(material.ColorMap, folder, *files);
+    const std::string opacity = MissingMap(material.OpacityMap, folder, *files);
+    Picture picture;
+    std::vector<std::string> notes;
+    std::string error;
+    if ((color.empty() && opacity.empty()) || !PictureOf(image, &picture, &notes, &error)) {
+        return;
+    }
+    if (!color.empty()) {
+        files->push_back({color, BmpOf(picture, {2, 1, 0})});
+    }
+    if (!opacity.empty() && LowerText(opacity) != LowerText(color)) {
+        files->push_back({opacity, BmpOf(picture, {3})});
+    }
 }
 
 bool MakeColorMap(const ExchangeMaterial& material, const std::string& folder, MvmMaterial* result,

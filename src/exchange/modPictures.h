@@ -26,6 +26,10 @@ struct MapFile {
 /// taken when it holds the same, and else left alone. *notes gains a sentence for a picture that was scaled.
 bool MakeMaps(const ExchangeImage& image, const ExchangeMaterial& material, const std::string& folder,
               MvmMaterial* result, std::vector<MapFile>* files, std::vector<std::string>* notes, std::string* error);
-/// The same for a material without a picture: a small one of its colour.
+/// Adds the maps that a material already names to *files, made from its picture, for a folder where they are not there.
+/// Leaves out what cannot be made: another kind of file, or a name that not every system takes.
+void AddNamedMaps(const ExchangeImage& image, const MvmMaterial& material, const std::string& folder,
+                  std::vector<MapFile>* files);
+/// A map for a material without a picture: a small one of its colour.
 bool MakeColorMap(const ExchangeMaterial& material, const std::string& folder, MvmMaterial* result,
                   std::vector<MapFile>* files, std::string* error);

@@ -99,6 +99,14 @@ TEST_F(Convert, PutsPicturesBesideANewModelAndOverNone)
     PutFile(Folder / "Red.bmp", picture);
     Done("first.mvm far.gltf");
     EXPECT_TRUE(Content(Folder / "far-1.png").starts_with("\x89PNG"));
+
+    std::filesystem::create_directory(PathOf(Folder / "sub"));
+    for (const std::string& there : {picture, std::string("mine")}) { // none at first
+        Done("far.gltf sub/back.mvm");
+        EXPECT_THAT(Content(Folder / "sub/back.mvm"), HasSubstr("colormap = \"Red.bmp\""));
+        EXPECT_EQ(Content(Folder / "sub/Red.bmp"), there);
+        PutFile(Folder / "sub/Red.bmp", "mine");
+    }
 }
 
 TEST_F(Convert, TouchesNothingWhenItFails)
