@@ -196,8 +196,7 @@ void AddRestoredMaps(const ExchangeModel& model, const std::string& folder, std:
     const std::vector<std::string> names = MaterialNamesInFiles(&own);
     for (const ExchangeMaterial& material : model.Materials) {
         const auto at = static_cast<size_t>(std::find(names.begin(), names.end(), material.Name) - names.begin());
-        if (at < Materials.Items.size() && material.Image >= 0 &&
-            static_cast<size_t>(material.Image) < model.Images.size()) {
+        if (at < Materials.Items.size() && material.Image >= 0) {
             AddNamedMaps(model.Images[static_cast<size_t>(material.Image)], Materials.Items[at], folder, files);
         }
     }

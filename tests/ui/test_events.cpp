@@ -235,7 +235,7 @@ TEST(WindowEvents, ASignalToEndKeepsWhatWasChanged)
 }
 #endif
 
-// Runs itself once more on a desktop that gives no OpenGL at all, and on one whose OpenGL is older than the toolkit needs.
+// Runs itself again on a desktop that gives no OpenGL at all, and on one whose OpenGL is older than the toolkit needs.
 TEST(WindowEvents, WorkWithoutOpenGL)
 {
     if (qgetenv("QT_XCB_GL_INTEGRATION") != "none" && qgetenv("MESA_GL_VERSION_OVERRIDE") != "1.1") {
