@@ -12,8 +12,6 @@
 TEST(Picture, HasThePixelsOfTheWindow)
 {
     const std::string model = SOURCE_FOLDER "/samples/vorrel/vorrel.mvm";
-    // The driver's threads end while the painter's process does, over which a leak checker there can stumble.
-    qputenv("ASAN_OPTIONS", "detect_leaks=0");
     UiWindow window;
     window->OpenFile(model);
     const auto* view = qobject_cast<QOpenGLWidget*>(window->picMain);
