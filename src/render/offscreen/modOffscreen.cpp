@@ -1,53 +1,45 @@
-#define GL_GLEXT_PROTOTYPES
 #include "modOffscreen.h"
 
 #include <cstddef>
-#include <cstring>
 
-#include <EGL/egl.h>
-#include <EGL/eglext.h>
-#include <GL/gl.h>
+#include "modGL.h"
+#include "offscreen/modContext.h"
+
 #include <GL/glext.h>
 
 namespace {
 
-EGLDisplay display = EGL_NO_DISPLAY;
-EGLContext context = EGL_NO_CONTEXT;
+/// Functions that came into OpenGL after those that every system's library has.
+struct FramebufferFunctions {
+    PFNGLGENFRAMEBUFFERSPROC GenFramebuffers = nullptr;
+    PFNGLBINDFRAMEBUFFERPROC BindFramebuffer = nullptr;
+    PFNGLFRAMEBUFFERTEXTURE2DPROC FramebufferTexture2D = nullptr;
+    PFNGLGENRENDERBUFFERSPROC GenRenderbuffers = nullptr;
+    PFNGLBINDRENDERBUFFERPROC BindRenderbuffer = nullptr;
+    PFNGLRENDERBUFFERSTORAGEPROC RenderbufferStorage = nullptr;
+    PFNGLFRAMEBUFFERRENDERBUFFERPROC FramebufferRenderbuffer = nullptr;
+    PFNGLCHECKFRAMEBUFFERSTATUSPROC CheckFramebufferStatus = nullptr;
+};
 
-bool IsOffered(const char* extensions, const char* name)
+template <typename Function>
+bool Find(const char* name, Function* function)
 {
-    return extensions != nullptr && std::strstr(extensions, name) != nullptr;
+    *function = reinterpret_cast<Function>(FindGLFunction(name));
+    return *function != nullptr;
 }
 
-/// A display without a screen where the system knows such; else the one that it gives to everybody.
-EGLDisplay FindDisplay()
+bool FindAll(FramebufferFunctions* gl)
 {
-    const char* extensions = eglQueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS);
-    if (IsOffered(extensions, "EGL_MESA_platform_surfaceless")) {
-        return eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr);
-    }
-    return eglGetDisplay(EGL_DEFAULT_DISPLAY);
-}
-
-bool MakeContext()
-{
-    display = FindDisplay();
-    if (display == EGL_NO_DISPLAY || eglInitialize(display, nullptr, nullptr) == EGL_FALSE ||
-        eglBindAPI(EGL_OPENGL_API) == EGL_FALSE) {
-        return false;
-    }
-    constexpr EGLint wanted[] = {EGL_SURFACE_TYPE, EGL_PBUFFER_BIT, EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT, EGL_NONE};
-    EGLConfig config = nullptr;
-    EGLint count = 0;
-    if (eglChooseConfig(display, wanted, &config, 1, &count) == EGL_FALSE || count == 0) {
-        return false;
-    }
-    context = eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr);
-    return context != EGL_NO_CONTEXT && eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, context) == EGL_TRUE;
+    return Find("glGenFramebuffers", &gl->GenFramebuffers) && Find("glBindFramebuffer", &gl->BindFramebuffer) &&
+           Find("glFramebufferTexture2D", &gl->FramebufferTexture2D) &&
+           Find("glGenRenderbuffers", &gl->GenRenderbuffers) && Find("glBindRenderbuffer", &gl->BindRenderbuffer) &&
+           Find("glRenderbufferStorage", &gl->RenderbufferStorage) &&
+           Find("glFramebufferRenderbuffer", &gl->FramebufferRenderbuffer) &&
+           Find("glCheckFramebufferStatus", &gl->CheckFramebufferStatus);
 }
 
 /// The toolkit's view has a texture of eight bits for each colour, and depth and stencil in one buffer.
-bool MakeFramebuffer(int32_t width, int32_t height)
+bool MakeFramebuffer(const FramebufferFunctions& gl, int32_t width, int32_t height)
 {
     GLint largest = 0;
     glGetIntegerv(GL_MAX_TEXTURE_SIZE, &largest);
@@ -57,31 +49,35 @@ bool MakeFramebuffer(int32_t width, int32_t height)
     GLuint framebuffer = 0;
     GLuint texture = 0;
     GLuint depth = 0;
-    glGenFramebuffers(1, &framebuffer);
-    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+    gl.GenFramebuffers(1, &framebuffer);
+    gl.BindFramebuffer(GL_FRAMEBUFFER, framebuffer);
     glGenTextures(1, &texture);
     glBindTexture(GL_TEXTURE_2D, texture);
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
     glTexImage2D(GL_TEXTURE_2D, 0, GL_RGB8, width, height, 0, GL_RGB, GL_UNSIGNED_BYTE, nullptr);
     glBindTexture(GL_TEXTURE_2D, 0);
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
-    glGenRenderbuffers(1, &depth);
-    glBindRenderbuffer(GL_RENDERBUFFER, depth);
-    glRenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH24_STENCIL8, width, height);
-    glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_STENCIL_ATTACHMENT, GL_RENDERBUFFER, depth);
-    return glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE && glGetError() == GL_NO_ERROR;
+    gl.FramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
+    gl.GenRenderbuffers(1, &depth);
+    gl.BindRenderbuffer(GL_RENDERBUFFER, depth);
+    gl.RenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH24_STENCIL8, width, height);
+    gl.FramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_STENCIL_ATTACHMENT, GL_RENDERBUFFER, depth);
+    return gl.CheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE && glGetError() == GL_NO_ERROR;
 }
 
 } // namespace
 
 bool MakeOffscreenContext(int32_t width, int32_t height, std::string* error)
 {
-    if (!MakeContext()) {
-        *error = "This machine gives no OpenGL to a program without a window. Its software form is in the package "
-                 "libgl1-mesa-dri of Debian and Ubuntu.";
+    if (!MakeContext(error)) {
         return false;
     }
-    if (!MakeFramebuffer(width, height)) {
+    FramebufferFunctions gl;
+    if (!FindAll(&gl)) {
+        *error = "The OpenGL of this machine is too old: a picture needs framebuffer objects, which came with "
+                 "version 3.";
+        return false;
+    }
+    if (!MakeFramebuffer(gl, width, height)) {
         *error = "OpenGL has no room for a picture of this size.";
         return false;
     }
