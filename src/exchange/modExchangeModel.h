@@ -39,6 +39,7 @@ struct ExchangeVertex {
     Vec2 Number{};  ///< of the vertex, and the number that confirms it
     Vec2 Numbers{}; ///< of the texture coordinate and of the normal
     int32_t Bone = -1;
+    float Dropped = 0; ///< the share of its weight that other bones had in the file, 0 to 1
 };
 
 /// Triangles of one material. Corners are indices into the mesh's Vertices.

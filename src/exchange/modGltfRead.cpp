@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "app/modMath.h"
-#include "checks/modCheckModel.h"
+#include "modDroppedWeights.h"
 #include "modGltfAccessor.h"
 #include "modGltfBytes.h"
 #include "modGltfNodes.h"
@@ -22,7 +22,6 @@ struct Reading {
     std::string* Error;
     NodeTree Tree{};
     std::vector<SkinInFile> Skins{};
-    WeightLoss Loss{};
     size_t OtherShapes = 0; ///< primitives of points and lines
     bool HasMorphs = false;
 
@@ -128,13 +127,13 @@ bool ReadPrimitive(Reading* reading, const tinygltf::Primitive& primitive, const
     }
     std::vector<float> normals;
     std::array<std::vector<float>, 3> pairs;
-    std::vector<int32_t> joints;
+    std::vector<VertexJoint> joints;
     if (!ReadAttribute(reading, primitive, "NORMAL", 3, count, &normals) ||
         !ReadAttribute(reading, primitive, "TEXCOORD_0", 2, count, &pairs[0]) ||
         !ReadAttribute(reading, primitive, "TEXCOORD_1", 2, count, &pairs[1]) ||
         !ReadAttribute(reading, primitive, "TEXCOORD_2", 2, count, &pairs[2]) ||
         (skin != nullptr &&
-         !ReadJoints(reading->File, primitive, count, skin->Bones.size(), &joints, &reading->Loss, reading->Error))) {
+         !ReadJoints(reading->File, primitive, count, skin->Bones.size(), &joints, reading->Error))) {
         return false;
     }
     for (size_t i = 0; i < count; ++i) {
@@ -149,8 +148,9 @@ bool ReadPrimitive(Reading* reading, const tinygltf::Primitive& primitive, const
                 *targets[set] = {pairs[set][2 * i], pairs[set][2 * i + 1]};
             }
         }
-        if (skin != nullptr && joints[i] >= 0) {
-            const auto joint = static_cast<size_t>(joints[i]);
+        if (skin != nullptr && joints[i].Joint >= 0) {
+            const auto joint = static_cast<size_t>(joints[i].Joint);
+            vertex.Dropped = joints[i].Dropped;
             vertex.Bone = skin->Bones[joint];
             if (skin->IsLoose) {
                 vertex.Place = Transformed(skin->ToScene[joint], vertex.Place);
@@ -367,19 +367,11 @@ void TakeRecord(const tinygltf::Model& file, ExchangeModel* model)
     }
 }
 
-std::string Percent(double share)
-{
-    return std::to_string(static_cast<int>(std::lround(share * 100))) + " %";
-}
-
 void TellOfLosses(const Reading& reading)
 {
     std::vector<std::string>& notes = reading.Model->Notes;
-    if (reading.Loss.Vertices > 0) {
-        const double mean = reading.Loss.Dropped / static_cast<double>(reading.Loss.Vertices);
-        notes.push_back(Counted(static_cast<int64_t>(reading.Loss.Vertices), "vertex leans", "vertices lean") +
-                        " on several joints; the largest counts. Dropped: " + Percent(mean) +
-                        " of their weight on average, " + Percent(reading.Loss.Largest) + " at most.");
+    if (const std::string told = ToldWeights(*reading.Model); !told.empty()) {
+        notes.push_back(told);
     }
     const auto leave = [&](bool wanted, const char* what) {
         if (wanted) {

@@ -158,13 +158,13 @@ bool ReadSkins(const tinygltf::Model& file, const NodeTree& tree, ExchangeModel*
 }
 
 bool ReadJoints(const tinygltf::Model& file, const tinygltf::Primitive& primitive, size_t vertices, size_t joints,
-                std::vector<int32_t>* result, WeightLoss* loss, std::string* error)
+                std::vector<VertexJoint>* result, std::string* error)
 {
     JointSets sets;
     if (!ReadSets(file, primitive, vertices, &sets, error)) {
         return false;
     }
-    result->assign(vertices, -1);
+    result->assign(vertices, {});
     std::vector<std::pair<uint32_t, double>> shares;
     for (size_t vertex = 0; vertex < vertices; ++vertex) {
         shares.clear();
@@ -197,13 +197,12 @@ bool ReadJoints(const tinygltf::Model& file, const tinygltf::Primitive& primitiv
         const auto largest = *std::max_element(shares.begin(), shares.end(), [](const auto& a, const auto& b) {
             return a.second != b.second ? a.second < b.second : a.first > b.first;
         });
-        (*result)[vertex] = static_cast<int32_t>(largest.first);
+        VertexJoint& own = (*result)[vertex];
+        own.Joint = static_cast<int32_t>(largest.first);
         const double dropped = 1 - largest.second / sum;
         constexpr double noise = 1e-4; // what weights of few bits are off by
         if (dropped > noise) {
-            ++loss->Vertices;
-            loss->Dropped += dropped;
-            loss->Largest = std::max(loss->Largest, dropped);
+            own.Dropped = static_cast<float>(dropped);
         }
     }
     return true;

@@ -19,14 +19,12 @@ struct SkinInFile {
 bool ReadSkins(const tinygltf::Model& file, const NodeTree& tree, ExchangeModel* model, std::vector<SkinInFile>* skins,
                std::string* error);
 
-/// What became of weights that are not rigid.
-struct WeightLoss {
-    size_t Vertices = 0;
-    double Dropped = 0; ///< sum of the shares that other joints had, 0 to 1 for each vertex
-    double Largest = 0;
+/// What a vertex leans on.
+struct VertexJoint {
+    int32_t Joint = -1; ///< of the skin; -1 for a vertex without weight
+    float Dropped = 0;  ///< the share of its weight that other joints had, 0 to 1
 };
-
 /// The joint of each vertex, by all sets of joints of a primitive: the one with the largest share, the first in the skin
-/// of several. -1 for a vertex without weight.
+/// of several.
 bool ReadJoints(const tinygltf::Model& file, const tinygltf::Primitive& primitive, size_t vertices, size_t joints,
-                std::vector<int32_t>* result, WeightLoss* loss, std::string* error);
+                std::vector<VertexJoint>* result, std::string* error);

@@ -226,17 +226,24 @@ TEST_F(AReader, GivesEachVertexItsLargestJoint)
         {sets(Bytes{1, 0, 0, 0}, Floats{1, 0, 0, 0}), "BBBB", ""},
         {sets(Shorts{2, 1, 0, 0}, Bytes{255, 0, 0, 0}), "CCCC", ""},
         {sets(Bytes{0, 2, 0, 0}, Shorts{16384, 49151, 0, 0}), "CCCC",
-         "4 vertices lean on several joints; the largest counts. Dropped: 25 % of their weight"},
-        {sets(Bytes{2, 0, 0, 0}, Floats{0.5F, 0.5F, 0, 0}), "AAAA", "50 % of their weight on average, 50 % at most."},
-        {sets(Bytes{1, 2, 2, 0}, Floats{0.4F, 0.3F, 0.3F, 0}), "CCCC", "40 %"},
-        {sets(Bytes{1, 2, 0, 0}, Floats{1.5F, 0.5F, 0, 0}), "BBBB", "25 %"},
+         "4 vertices lean on several bones; the largest weight counts. Dropped: 25.0 % of their weight"},
+        {sets(Bytes{2, 0, 0, 0}, Floats{0.5F, 0.5F, 0, 0}), "AAAA",
+         "50.0 % of their weight on average, 50.0 % at most."},
+        {[](auto* file) { // a corner of two triangles, apart in the file
+             AddSet(0, Bytes{2, 0, 0, 0}, Floats{0.5F, 0.5F, 0, 0}, file);
+             file->At("/meshes/0/primitives/0/attributes/POSITION") =
+                 file->Add(std::vector<float>{0, 0, 0, 1, 0, 0, 1, 1, 0, 1, 0, 0}, "VEC3");
+         },
+         "AAAA", "3 vertices lean on"},
+        {sets(Bytes{1, 2, 2, 0}, Floats{0.4F, 0.3F, 0.3F, 0}), "CCCC", "40.0 %"},
+        {sets(Bytes{1, 2, 0, 0}, Floats{1.5F, 0.5F, 0, 0}), "BBBB", "25.0 %"},
         {sets(Bytes{1, 9, 9, 9}, Floats{0.2F, 0, 0, 0}), "BBBB", ""},
         {sets(Bytes{1, 1, 1, 1}, Floats{0, 0, 0, 0}), "----", ""},
         {[](auto* file) {
              AddSet(0, Bytes{0, 1, 0, 0}, Floats{0.3F, 0.25F, 0, 0}, file);
              AddSet(1, Bytes{1, 2, 0, 0}, Floats{0.25F, 0.2F, 0, 0}, file);
          },
-         "BBBB", "50 %"},
+         "BBBB", "50.0 %"},
         {[](auto* file) { file->At("/nodes/3/name") = "neutral_bone"; }, "----", ""},
         {[](auto* file) { file->At("/nodes/3/name") = "beastwright_unassigned"; }, "----", ""},
     };

@@ -226,44 +226,31 @@ Skeleton TakeBones(const aiScene& scene, const Matrix& toScene, const std::vecto
     return skeleton;
 }
 
-std::vector<int32_t> BonesOfVertices(const std::vector<const aiMesh*>& meshes, const Skeleton& skeleton,
-                                     DroppedWeights* dropped)
+void TakeWeights(const std::vector<const aiMesh*>& parts, const Skeleton& skeleton, ExchangeMesh* mesh)
 {
-    std::vector<int32_t> bones;
-    std::vector<std::array<float, 4>> lost; // place and share
-    for (const aiMesh* mesh : meshes) {
-        const size_t start = bones.size();
-        bones.resize(start + mesh->mNumVertices, -1);
-        std::vector<float> largest(mesh->mNumVertices);
-        std::vector<float> sums(mesh->mNumVertices);
-        for (unsigned i = 0; i < mesh->mNumBones; ++i) {
-            const aiBone& bone = *mesh->mBones[i];
+    size_t start = 0;
+    for (const aiMesh* part : parts) {
+        std::vector<float> largest(part->mNumVertices);
+        std::vector<float> sums(part->mNumVertices);
+        for (unsigned i = 0; i < part->mNumBones; ++i) {
+            const aiBone& bone = *part->mBones[i];
             for (unsigned w = 0; w < bone.mNumWeights; ++w) {
                 const auto [vertex, weight] = bone.mWeights[w];
-                if (vertex >= mesh->mNumVertices || !(weight > 0) || !std::isfinite(weight)) {
+                if (vertex >= part->mNumVertices || !(weight > 0) || !std::isfinite(weight)) {
                     continue;
                 }
                 sums[vertex] += weight;
                 if (weight > largest[vertex]) {
                     largest[vertex] = weight;
-                    bones[start + vertex] = skeleton.Index.at(bone.mName.C_Str());
+                    mesh->Vertices[start + vertex].Bone = skeleton.Index.at(bone.mName.C_Str());
                 }
             }
         }
-        for (unsigned vertex = 0; vertex < mesh->mNumVertices; ++vertex) {
-            const aiVector3D& at = mesh->mVertices[vertex];
-            if (sums[vertex] > largest[vertex]) {
-                lost.push_back({at.x, at.y, at.z, 1 - largest[vertex] / sums[vertex]});
-            }
+        for (size_t vertex = 0; vertex < sums.size(); ++vertex) {
+            const float dropped = sums[vertex] > 0 ? 1 - largest[vertex] / sums[vertex] : 0;
+            constexpr float noise = 1e-4F; // what weights of few digits are off by
+            mesh->Vertices[start + vertex].Dropped = dropped > noise ? dropped : 0;
         }
+        start += part->mNumVertices;
     }
-    std::sort(lost.begin(), lost.end());
-    const auto samePlace = [](const auto& a, const auto& b) { return std::equal(a.begin(), a.begin() + 3, b.begin()); };
-    lost.erase(std::unique(lost.begin(), lost.end(), samePlace), lost.end());
-    for (const auto& entry : lost) {
-        ++dropped->Vertices;
-        dropped->Sum += entry[3];
-        dropped->Largest = std::max<double>(dropped->Largest, entry[3]);
-    }
-    return bones;
 }

@@ -31,12 +31,6 @@ struct Skeleton {
 Skeleton TakeBones(const aiScene& scene, const Matrix& toScene, const std::vector<MeshNode>& nodes,
                    ExchangeModel* model);
 
-/// What went lost of weights on several bones.
-struct DroppedWeights {
-    size_t Vertices = 0;
-    double Sum = 0, Largest = 0; ///< shares of a vertex's weight
-};
-/// The bone of each vertex of the meshes, one list after the other: the one with the largest weight, the first on a tie,
-/// -1 without any. A vertex counts once, however many corners it has.
-std::vector<int32_t> BonesOfVertices(const std::vector<const aiMesh*>& meshes, const Skeleton& skeleton,
-                                     DroppedWeights* dropped);
+/// Gives each vertex of a mesh, the parts one after the other, its bone: the one with the largest weight, the first on a
+/// tie.
+void TakeWeights(const std::vector<const aiMesh*>& parts, const Skeleton& skeleton, ExchangeMesh* mesh);

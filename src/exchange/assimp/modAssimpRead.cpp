@@ -20,6 +20,7 @@
 #include "modAssimpFiles.h"
 #include "modAssimpMaterials.h"
 #include "modAssimpTexts.h"
+#include "modDroppedWeights.h"
 #include "modFiles.h"
 
 namespace {
@@ -57,7 +58,6 @@ struct Reading {
     ExchangeModel* Model = nullptr;
     Skeleton Bones{};
     MaterialTaker Materials{};
-    DroppedWeights Dropped{};
     size_t NoTriangles = 0; ///< points, lines, and what is damaged
     size_t Morphed = 0;
 };
@@ -196,10 +196,7 @@ void AddMesh(const MeshNode& at, const std::vector<const aiMesh*>& parts, const 
         AddPart(*part, bound == reading->Bones.MeshesToScene.end() ? at.ToScene : bound->second, reading, &mesh);
     }
     if (mesh.IsSkinned) {
-        const std::vector<int32_t> bones = BonesOfVertices(parts, reading->Bones, &reading->Dropped);
-        for (size_t i = 0; i < bones.size(); ++i) {
-            mesh.Vertices[i].Bone = bones[i];
-        }
+        TakeWeights(parts, reading->Bones, &mesh);
         for (size_t bone = 0; bone < reading->Model->Bones.size(); ++bone) {
             mesh.Joints.push_back(static_cast<int32_t>(bone));
         }
@@ -234,13 +231,6 @@ void AddMeshes(const MeshNode& at, Reading* reading)
     }
 }
 
-std::string Percent(double share)
-{
-    std::array<char, 16> text{};
-    (void)std::snprintf(text.data(), text.size(), "%.1f %%", 100 * share);
-    return text.data();
-}
-
 void AddNotes(const Reading& reading, size_t badPolygons, std::vector<std::string>* notes)
 {
     const auto leave = [notes](size_t count, const char* one, const char* many) {
@@ -259,11 +249,8 @@ void AddNotes(const Reading& reading, size_t badPolygons, std::vector<std::strin
         notes->push_back(std::to_string(badPolygons) +
                          " faces with more than three corners cross themselves and may have been cut up badly.");
     }
-    if (const DroppedWeights& dropped = reading.Dropped; dropped.Vertices > 0) {
-        notes->push_back(std::to_string(dropped.Vertices) +
-                         " vertices weigh on several bones; each was given to the one with the largest weight, and " +
-                         Percent(dropped.Sum / static_cast<double>(dropped.Vertices)) +
-                         " of their weight was dropped on average, " + Percent(dropped.Largest) + " at most.");
+    if (const std::string told = ToldWeights(*reading.Model); !told.empty()) {
+        notes->push_back(told);
     }
 }
 
