@@ -47,13 +47,18 @@ bool IsSameBone(const LikePair& pair, const ExchangeVertex& corner, int32_t vert
     return own == (IsValidBone(bone) ? bone : int16_t{0});
 }
 
+bool IsAt(const OldMesh& old, const ExchangeVertex& corner, int32_t vertex)
+{
+    return VecDistance(corner.Place, old.Pair.Model.Vertices[vertex]) <= old.Near;
+}
+
 /// The vertices of the model at a corner's place.
 std::vector<int32_t> VerticesAt(const OldMesh& old, const ExchangeVertex& corner)
 {
     std::vector<int32_t> found;
     const double reach = old.Near > 0 ? old.Near : 1e-30;
     (void)HighestInside(old.Tree, BoxAround(PlaceOf(corner.Place), reach * 1.01), [&](const TreeNode& node) {
-        if (VecDistance(corner.Place, old.Pair.Model.Vertices[node.Index]) <= old.Near) {
+        if (IsAt(old, corner, node.Index)) {
             found.push_back(node.Index);
         }
         return false; // all are wanted
@@ -63,20 +68,17 @@ std::vector<int32_t> VerticesAt(const OldMesh& old, const ExchangeVertex& corner
 
 using Candidates = std::array<std::vector<int32_t>, 3>;
 
-bool Holds(const std::vector<int32_t>& vertices, int32_t vertex)
-{
-    return std::find(vertices.begin(), vertices.end(), vertex) != vertices.end();
-}
-
-/// True when the model's face, beginning with `first`, is the triangle.
-bool IsFace(const OldMesh& old, const std::array<uint32_t, 3>& triangle, const Candidates& candidates,
+/// True when the model's face, beginning with `first`, is the triangle, whose vertices are known by `numbers`, 0 for
+/// those that are not.
+bool IsFace(const OldMesh& old, const std::array<uint32_t, 3>& triangle, const std::array<int32_t, 3>& numbers,
             const MvmFace& face, size_t first)
 {
     for (size_t k = 0; k < 3; ++k) {
         const ExchangeVertex& corner = old.Pair.File.Vertices[triangle[k]];
         const size_t own = (first + k) % 3;
         const int16_t vertex = face.Vertex[own];
-        if (!Holds(candidates[k], vertex) || !IsSameBone(old.Pair, corner, vertex)) {
+        if (!(numbers[k] != 0 ? numbers[k] == vertex : IsAt(old, corner, vertex)) ||
+            !IsSameBone(old.Pair, corner, vertex)) {
             return false;
         }
         const int16_t number = face.TexCoord[own];
@@ -95,7 +97,7 @@ bool FindWholeFace(OldMesh* old, const std::array<uint32_t, 3>& triangle, const 
         for (const auto& [face, corner] : old->Uses[static_cast<size_t>(vertex)]) {
             const auto first = static_cast<size_t>(corner);
             const MvmFace& own = old->Pair.Model.Faces[face];
-            if (old->IsUsed[static_cast<size_t>(face)] != 0 || !IsFace(*old, triangle, candidates, own, first)) {
+            if (old->IsUsed[static_cast<size_t>(face)] != 0 || !IsFace(*old, triangle, *numbers, own, first)) {
                 continue;
             }
             old->IsUsed[static_cast<size_t>(face)] = 1;
