@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "modBase64.h"
+#include "modExchangeNames.h"
 #include "modFromScene.h"
 #include "modGltfRead.h"
 #include "modGltfWrite.h"
@@ -271,6 +272,19 @@ TEST_F(ATrip, GoesOutAsOtherProgramsTakeIt)
     for (const ExchangeVertex& corner : skin.Vertices) {
         EXPECT_NEAR(std::abs(corner.Normal.Y), 1, 1e-6);
     }
+    // A bone without vertices is a joint; the joint of no bone is there where a vertex has none.
+    std::string glb;
+    ExchangeModel out;
+    Skin().VertexBones.Items.assign(8, 2);
+    Meshes[2].VertexBones.Items.assign(3, 3);
+    ASSERT_TRUE(ExchangeFromScene(Folder.Path, &out, &Error)) << Error;
+    EXPECT_THAT(out.Meshes[0].Joints, testing::ElementsAre(0, 1));
+    out.Meshes[0].Vertices[0].Bone = 0;
+    ASSERT_TRUE(GlbOf(out, &glb, &Error)) << Error;
+    EXPECT_THAT(glb, testing::Not(HasSubstr(unassignedJoint)));
+    out.Meshes[0].Vertices[0].Bone = -1;
+    ASSERT_TRUE(GlbOf(out, &glb, &Error)) << Error;
+    EXPECT_THAT(glb, HasSubstr(unassignedJoint));
 }
 
 TEST_F(ATrip, RefusesNumbersThatAreNotFinite)

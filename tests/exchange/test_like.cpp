@@ -297,6 +297,12 @@ TEST_F(AModelsLikeness, TakesWhatWasChangedAndNothingElse)
              AtVertex(1, [](auto* corner) { corner->Bone = 3; })),
          {},
          "These bones are none of the model; vertices keep the bones that they had: \"Wing\"."},
+        {"a strange bone in place of one",
+         [](auto* model) {
+             model->Bones[1] = {"Wing", -1, {50, 50, 50}};
+         },
+         {},
+         "These bones are none of the model; vertices keep the bones that they had: \"Wing\"."},
         {"transforms applied", WithAppliedTransforms, {}, "0 moved"},
     };
     for (const Case& c : cases) {
