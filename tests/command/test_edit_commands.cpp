@@ -116,8 +116,7 @@ TEST_F(Commands, EachGivesTheFileOfTheWindowsCommand)
              RegenerateNormals(SkinMesh);
              RegenerateNormals(HeadMesh);
          }},
-        {"swap --bone 'Left Thigh' --with Tail09", "half.mvm", true,
-         [] { SwapBones(SkinMesh, BoneNamed("ThighL30"), BoneNamed("Tail09")); }},
+        {"swap --bone 1 --with Tail09", "half.mvm", true, [] { SwapBones(SkinMesh, 1, BoneNamed("Tail09")); }},
         {"reassign --from none --to 3", "half.mvm", true, [] { ReplaceBone(SkinMesh, 0, 3); }},
         {"reassign --on-shadow --from '$j$Head04' --to 'Shadow Neck'", "half.mvm", true,
          [] { ReplaceBone(ShadowMesh, BoneNamed("$j$Head04"), BoneNamed("$j$Neck03")); }},

@@ -294,6 +294,7 @@ TEST_F(Checks, DifferencesAreToldByName)
     EXPECT_THAT(compare("bone \"A01\"|{| position = (1,2,4)|}|bone \"C03\"|{|}|" + mesh + instance),
                 ElementsAre("A01: { \"position (1,2,3) -> (1,2,4)\" }", "C03: { \"added\" }", "B02: { \"removed\" }",
                             "B02> { 3 }"));
+    EXPECT_THAT(compare("bone \"B02\"|{|}|" + mesh + instance), ElementsAre("A01: { \"removed\" }", "A01> { 1, 2 }"));
     EXPECT_THAT(
         compare(bones + "skin \"S\"|{| v = (0,0,0),2| v = (1,0,5),1| v = (2,0,0),-1| v = (3,0,0),-1|}|" + instance),
         ElementsAre("4>4 { 2 } 0", "A01>B02 { 1 }", "B02> { 3 }"));
